@@ -5,6 +5,7 @@ option(ASSEMBLY_BENCHMARKS "Build the benchmark program" ON)
 option(ASSEMBLY_FUZZ "Build libFuzzer targets (clang only)" OFF)
 option(ASSEMBLY_COVERAGE "Instrument for line coverage" OFF)
 option(ASSEMBLY_WERROR "Treat warnings as errors" ON)
+option(ASSEMBLY_TEST_PCH "Precompile what every test includes" ON)
 option(ASSEMBLY_CCACHE "Compile through ccache where it is installed" ON)
 set(ASSEMBLY_SANITIZE "" CACHE STRING "Sanitizers for -fsanitize=, separated by commas; empty for none")
 set(ASSEMBLY_DATA_DIR "${PROJECT_SOURCE_DIR}/../shared/data" CACHE PATH
@@ -58,6 +59,13 @@ endif()
 if(ASSEMBLY_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     find_program(ASSEMBLY_CCACHE_PROGRAM ccache)
     if(ASSEMBLY_CCACHE_PROGRAM)
-        set(CMAKE_CXX_COMPILER_LAUNCHER "${ASSEMBLY_CCACHE_PROGRAM}")
+        # Precompiled headers are cached only when their dates do not count.
+        set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+            "CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime"
+            "${ASSEMBLY_CCACHE_PROGRAM}")
     endif()
 endif()
+
+# Read by programs under a sanitizer, without effect elsewhere.
+set(ASSEMBLY_LSAN_OPTIONS
+    "suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")

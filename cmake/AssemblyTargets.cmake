@@ -77,9 +77,9 @@ function(assembly_tests name)
     assembly_knows_build(${target})
     target_link_libraries(${target} PRIVATE test_support)
     assembly_link_existing(${target} PRIVATE ${ARGN} pcore)
-    target_link_libraries(${target} PRIVATE contract GTest::gmock GTest::gtest Threads::Threads)
-    if(NOT TARGET test_support_main)
-        target_link_libraries(${target} PRIVATE GTest::gtest_main)
+    target_link_libraries(${target} PRIVATE contract GTest::gmock GTest::gtest_main Threads::Threads)
+    if(TARGET test_pch)
+        target_precompile_headers(${target} REUSE_FROM test_pch)
     endif()
     # The loaded modules and the tool are run, not linked.
     foreach(loaded IN ITEMS assembly step_importer gltf_importer assembly_tool)
@@ -92,5 +92,5 @@ function(assembly_tests name)
         WORKING_DIRECTORY "${PROJECT_BINARY_DIR}"
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
-        PROPERTIES LABELS "${name}")
+        PROPERTIES LABELS "${name}" ENVIRONMENT "LSAN_OPTIONS=${ASSEMBLY_LSAN_OPTIONS}")
 endfunction()
