@@ -1,0 +1,15 @@
+#pragma once
+
+// Scenes, streams and selectors of the host.
+
+#include "frame/host/entity.h"
+#include "frame/host/generator.h"
+#include "frame/host/layer.h"
+#include "frame/host/node.h"
+#include "frame/host/objects.h"
+#include "frame/host/parameter_ids.h"
+#include "frame/host/property_ids.h"
+#include "frame/host/scene_document.h"
+#include "frame/host/selector.h"
+#include "frame/host/stream.h"
+#include "frame/host/undo.h"
