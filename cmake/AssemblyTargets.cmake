@@ -81,12 +81,14 @@ function(assembly_tests name)
     if(TARGET test_pch)
         target_precompile_headers(${target} REUSE_FROM test_pch)
     endif()
-    # The loaded modules and the tool are run, not linked.
-    foreach(loaded IN ITEMS assembly step_importer gltf_importer assembly_tool)
-        if(TARGET ${loaded})
-            add_dependencies(${target} ${loaded})
-        endif()
-    endforeach()
+    # The loaded modules and the tool are run, not linked; only these programs do so.
+    if(name MATCHES "^(frame|importers|roads|tool)$")
+        foreach(loaded IN ITEMS assembly step_importer gltf_importer assembly_tool)
+            if(TARGET ${loaded})
+                add_dependencies(${target} ${loaded})
+            endif()
+        endforeach()
+    endif()
     gtest_discover_tests(${target}
         TEST_PREFIX "${name}."
         WORKING_DIRECTORY "${PROJECT_BINARY_DIR}"

@@ -44,10 +44,16 @@ class IncludeGraph(unittest.TestCase):
             ["frame/entry.cpp: frame may not include engine (engine/e.h)"],
             broken_in({"engine/e.h": "", "frame/entry.cpp": '#include "engine/e.h"\n'}))
 
-    def test_keeps_the_module_out_of_the_engine(self):
+    def test_shows_the_engine_only_abstract_classes_of_the_graph(self):
         self.assertEqual(
-            ["engine/e.cpp: engine may not include graph (graph/a.h)"],
-            broken_in({"graph/a.h": "", "engine/e.cpp": '#include "graph/a.h"\n'}))
+            ["engine/e.cpp: engine knows abstract classes only, not graph/a_impl.h"],
+            broken_in({"graph/a_impl.h": "", "graph/a.h": "",
+                       "engine/e.cpp": '#include "graph/a.h"\n#include "graph/a_impl.h"\n'}))
+
+    def test_keeps_the_higher_layers_out_of_the_engine(self):
+        self.assertEqual(
+            ["engine/e.cpp: engine may not include construction (construction/a.h)"],
+            broken_in({"construction/a.h": "", "engine/e.cpp": '#include "construction/a.h"\n'}))
 
     def test_keeps_the_contract_free_of_everything_else(self):
         self.assertEqual(
