@@ -1,0 +1,64 @@
+#include "frame/catalogue.h"
+
+#include "construction/hierarchy_factory_impl.h"
+#include "construction/hierarchy_generator_impl.h"
+#include "frame/host/translate.h"
+#include "frame/module.h"
+#include "graph/instance_impl.h"
+#include "graph/lookup_table_impl.h"
+#include "graph/persistent_selector_impl.h"
+#include "graph/post_processing_instruction_impl.h"
+#include "graph/reference_impl.h"
+
+namespace qn::frame {
+namespace {
+
+constexpr unsigned kHostFlag = 0x10000000;
+constexpr unsigned kPlain = 0;
+
+constexpr CatalogueRow kCatalogue[] = {
+    {"qn.graph.instance", "Instance", kHostFlag},
+    {"qn.graph.reference", "Reference", kHostFlag},
+    {"qn.graph.persistentselector", "Persistent Selector", kPlain},
+    {"qn.graph.lookuptable", "Lookup Table", kPlain},
+    {"qn.graph.hierarchyfactory", "Hierarchy Factory", kHostFlag},
+    {"qn.graph.hierarchygenerator", "Assembly Hierarchy", kHostFlag},
+    {"qn.graph.postprocessinginstruction", "Postprocessing Instruction", kPlain},
+};
+
+template <class T>
+Counted<Interface> MakeOne() {
+    return Make<T>();
+}
+
+constexpr CreationRow kCreationOrder[] = {
+    {"qn.graph.instance", &MakeOne<graph::InstanceImpl>},
+    {"qn.graph.reference", &MakeOne<graph::ReferenceImpl>},
+    {"qn.graph.persistentselector", &MakeOne<graph::PersistentSelectorImpl>},
+    {"qn.graph.lookuptable", &MakeOne<graph::LookupTableImpl>},
+    {"qn.graph.hierarchyfactory", &MakeOne<graph::HierarchyFactoryImpl>},
+    {"qn.graph.hierarchygenerator", &MakeOne<graph::HierarchyGeneratorImpl>},
+    {"qn.graph.postprocessinginstruction", &MakeOne<graph::PostProcessingInstructionImpl>},
+};
+
+}  // namespace
+
+std::span<const CatalogueRow> Catalogue() { return kCatalogue; }
+
+std::span<const CreationRow> CreationOrder() { return kCreationOrder; }
+
+void RegisterCatalogue(ModuleHandle handle) {
+    if (!api) return;
+    for (const CatalogueRow& row : kCatalogue) {
+        const String name = Translate(kTranslationCatalogue, row.displayName, "XTXT: extension info", -1);
+        api->RegisterExtension(handle, row.key, row.registrationValue, name);
+    }
+}
+
+Counted<Interface> CreateByKey(const char* key) {
+    for (const CreationRow& row : kCreationOrder)
+        if (EqualKeys(row.key, key)) return row.make();
+    return nullptr;
+}
+
+}  // namespace qn::frame
