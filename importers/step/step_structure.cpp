@@ -1,0 +1,72 @@
+#include "importers/step/step_structure.h"
+
+#include <exception>
+#include <fstream>
+#include <new>
+#include <system_error>
+#include <utility>
+
+#include "importers/step/part21_error.h"
+#include "importers/step/part21_file.h"
+#include "importers/step/step_documents.h"
+#include "importers/step/step_products.h"
+#include "importers/step/step_properties.h"
+#include "importers/step/step_shapes.h"
+
+namespace qn::step {
+namespace {
+
+std::string ReadBytes(const std::filesystem::path& path) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (error) throw ReadFailure(error.message());
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw ReadFailure("the file cannot be opened");
+    std::string bytes(size, '\0');
+    in.read(bytes.data(), static_cast<std::streamsize>(size));
+    if (in.bad()) throw ReadFailure("the file cannot be read");
+    bytes.resize(static_cast<std::size_t>(in.gcount()));
+    return bytes;
+}
+
+StructureResult ReadModel(std::string bytes) {
+    const ExchangeFile file(std::move(bytes));
+    StructureResult result;
+    StepModel& model = result.model;
+    model.schemas = file.Schemas();
+    model.warnings = file.Warnings();
+    const StructureIndex index = ReadProducts(file, model);
+    if (model.definitions.empty()) throw ReadFailure("the file holds no product definition");
+    ReadShapes(file, index, model);
+    ReadProperties(file, index, model);
+    ReadDocuments(file, index, model);
+    result.colours = ReadColours(file);
+    ApplyColours(result.colours, model);
+    return result;
+}
+
+/// Runs `read` and turns whatever it throws into an error that names the file.
+template <class Read>
+StructureResult Guarded(const std::string& name, Read&& read) {
+    StructureResult failed;
+    try {
+        return read();
+    } catch (const std::bad_alloc&) {
+        failed.error = name + ": not enough memory";
+    } catch (const std::exception& failure) {
+        failed.error = name + ": " + failure.what();
+    }
+    return failed;
+}
+
+}  // namespace
+
+StructureResult ReadStructure(const std::filesystem::path& path) {
+    return Guarded(path.string(), [&] { return ReadModel(ReadBytes(path)); });
+}
+
+StructureResult ReadStructure(std::string bytes, const std::string& name) {
+    return Guarded(name, [&] { return ReadModel(std::move(bytes)); });
+}
+
+}  // namespace qn::step

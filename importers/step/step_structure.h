@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "importers/step/step_colours.h"
+#include "importers/step/step_model.h"
+
+namespace qn::step {
+
+/// What was read, or why nothing was.
+struct StructureResult {
+    StepModel model;
+    ColourTable colours;
+    std::string error;  ///< empty if all went well, else the file's name and the cause
+
+    bool Ok() const { return error.empty(); }
+};
+
+/// Reads the product structure of a STEP file: no geometry is built, no other file is opened.
+/// The time is linear in the size of the file. Throws nothing.
+StructureResult ReadStructure(const std::filesystem::path& path);
+
+/// The same from the bytes of a file. `name` is what errors call it.
+StructureResult ReadStructure(std::string bytes, const std::string& name);
+
+}  // namespace qn::step
