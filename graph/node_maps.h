@@ -2,74 +2,83 @@
 
 #include "frame/host/counted.h"
 #include "frame/host/node.h"
-#include "frame/host/selector.h"
 #include "graph/graph.h"
 #include "graph/instance.h"
 
-#include <functional>
-#include <map>
-#include <set>
+#include <cstddef>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace qn::graph {
 
-/// A node as key of an ordered container: the plain address decides, a weak holder beside it tells whether it is alive.
-struct NodeKey {
-    k3::Node* address = nullptr;
-    Weak<k3::Node> live;
-
-    explicit NodeKey(k3::Node* node) : address(node), live(node) {}
-};
-
-/// Address order; works on keys and plain pointers.
-struct NodeKeyLess {
-    using is_transparent = void;
-    static const k3::Node* Address(const NodeKey& key) { return key.address; }
-    static const k3::Node* Address(const k3::Node* node) { return node; }
-    template <class A, class B>
-    bool operator()(const A& left, const B& right) const {
-        return std::less<const k3::Node*>()(Address(left), Address(right));
-    }
-};
-
-/// The nodes that show one instance, in address order; dead ones count as absent.
-using NodeSet = std::set<NodeKey, NodeKeyLess>;
-
-/// One instance per node. A dead node's entry counts as absent; an insert at a reused address replaces it.
+/// One instance per node. Nodes are not counted: a dead node's entry counts as absent, and an entry for a new node at its
+/// address replaces it.
 class NodeToInstance {
 public:
     /// Borrowed, or null.
     Instance* Find(const k3::Node* node) const;
+    /// Overwrites; a null node does nothing, a null instance stays as an entry that counts as absent.
     void Set(k3::Node* node, Instance* instance);
     void Clear() { entries_.clear(); }
+    void Reserve(std::size_t count) { entries_.reserve(count); }
+    /// Dead entries included.
     std::size_t Size() const { return entries_.size(); }
-    /// Live entries in address order: `visit(Node*, Instance*)`.
+    /// Live entries in address order: `visit(Node*, Instance*)`. The visitor may change the map.
     template <class Visit>
     void ForEach(Visit&& visit) const {
-        for (const auto& [key, instance] : entries_)
-            if (k3::Node* node = key.live.Get()) visit(node, instance.Get());
+        for (const auto& [node, instance] : Sorted()) visit(node.Get(), instance.Get());
     }
 
 private:
-    std::map<NodeKey, Counted<Instance>, NodeKeyLess> entries_;
+    struct Entry {
+        Weak<k3::Node> watch;
+        Counted<Instance> instance;
+    };
+    using Row = std::pair<Counted<k3::Node>, Counted<Instance>>;
+    std::vector<Row> Sorted() const;
+
+    std::unordered_map<const k3::Node*, Entry> entries_;  // asked far more often than walked
+};
+
+/// The nodes that show one instance, in address order, each once. Not counted; dead ones count as absent.
+class NodeSet {
+public:
+    void Add(k3::Node* node);
+    /// The live nodes in address order, borrowed.
+    std::vector<k3::Node*> Live() const;
+
+private:
+    struct Member {
+        const k3::Node* address;
+        Weak<k3::Node> watch;
+    };
+    void Sort() const;
+
+    // Nodes mostly come in rising order: they are appended, and what came out of order is sorted in when needed.
+    mutable std::vector<Member> members_;
+    mutable std::size_t sorted_ = 0;  // so many from the start are in order, without doubles
 };
 
 /// The nodes of each instance.
 class InstanceToNodes {
 public:
+    /// Nothing happens if either is null.
     void Add(Instance* instance, k3::Node* node);
     /// The live nodes in address order; empty if there is no entry.
-    std::vector<k3::Node*> NodesOf(Instance* instance) const;
+    std::vector<k3::Node*> NodesOf(const Instance* instance) const;
     /// Whether there is an entry, even one of dead nodes.
-    bool Contains(Instance* instance) const;
+    bool Contains(const Instance* instance) const { return entries_.find(instance) != entries_.end(); }
     void Clear() { entries_.clear(); }
+    void Reserve(std::size_t count) { entries_.reserve(count); }
+    std::size_t Size() const { return entries_.size(); }
 
 private:
-    struct Less {
-        bool operator()(const Counted<Instance>& left, const Counted<Instance>& right) const {
-            return std::less<Instance*>()(left.Get(), right.Get());
-        }
+    struct Entry {
+        Counted<Instance> instance;
+        NodeSet nodes;
     };
-    std::map<Counted<Instance>, NodeSet, Less> entries_;
+    std::unordered_map<const Instance*, Entry> entries_;
 };
 
 }  // namespace qn::graph
