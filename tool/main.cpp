@@ -1,0 +1,47 @@
+#include "tool/failure.h"
+#include "tool/verbs.h"
+#include "tool/version.h"
+
+#include <cstdio>
+#include <exception>
+
+namespace {
+
+using assembly::tool::ExitCode;
+
+/// CLI11 answers help and version with 0 and everything else with codes of its own.
+int Answer(const CLI::App& app, const CLI::ParseError& error) {
+    const int code = app.exit(error);
+    return code == 0 ? ToInt(ExitCode::kFine) : ToInt(ExitCode::kUsage);
+}
+
+int Report(ExitCode code, const char* text) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "assembly: %s\n", text);
+    return ToInt(code);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Reads CAD assemblies as definitions, uses and occurrences.", "assembly");
+    app.set_version_flag("--version", assembly::tool::kVersion);
+    app.require_subcommand(1);
+    app.footer("\nassembly VERB --help shows examples of each verb.\n"
+               "Exit codes: 0 fine, 1 findings, 2 usage, 3 input unreadable, 4 output not written, 5 a file is missing,\n"
+               "6 conflicts, 7 a limit was exceeded, 8 cancelled, 70 a defect of this program.");
+    assembly::tool::AddShow(app);
+    assembly::tool::AddStats(app);
+    assembly::tool::AddConvert(app);
+    assembly::tool::AddModule(app);
+    try {
+        app.parse(argc, argv);
+        return ToInt(ExitCode::kFine);
+    } catch (const CLI::ParseError& error) {
+        return Answer(app, error);
+    } catch (const assembly::tool::Failure& failure) {
+        return Report(failure.Code(), failure.what());
+    } catch (const std::exception& error) {
+        return Report(ExitCode::kDefect, error.what());
+    }
+}

@@ -1,0 +1,101 @@
+#include "tool/session.h"
+
+#include "engine/runtime/context_impl.h"
+#include "engine/runtime/engine.h"
+#include "frame/host/collections.h"
+#include "frame/host/importer.h"
+#include "frame/host/parameter_ids.h"
+#include "tool/failure.h"
+
+#include <csignal>
+#include <cstdio>
+#include <unistd.h>
+
+namespace assembly::tool {
+namespace {
+
+using qn::ContextImpl;
+using qn::Counted;
+using qn::String;
+using qn::Var;
+
+constexpr unsigned kLoadFlags = 0x800002a;
+constexpr int kErrorLevel = 2;
+
+ContextImpl* running = nullptr;
+
+void CancelRunning(int) {
+    if (running) running->Cancel();
+}
+
+void WriteBar(double fraction) {
+    std::fprintf(stderr, fraction < 1 ? "\r%3d %%" : "\r     \r", static_cast<int>(fraction * 100));
+    std::fflush(stderr);
+}
+
+void WriteProgressLine(double fraction) {
+    std::fprintf(stderr, "{\"progress\": %.3f}\n", fraction);
+    std::fflush(stderr);
+}
+
+ContextImpl::ProgressFunction ProgressWriter(ProgressStyle style) {
+    const bool bar = style == ProgressStyle::kAuto && ::isatty(STDERR_FILENO);
+    if (!bar && style != ProgressStyle::kJson) return nullptr;
+    return [bar, last = -1](double fraction) mutable {
+        const int percent = static_cast<int>(fraction * 100);
+        if (percent != last) bar ? WriteBar(fraction) : WriteProgressLine(fraction);
+        last = percent;
+        return true;
+    };
+}
+
+Var OptionsOf(const LoadRequest& request) {
+    Var options;
+    options.InitMap();
+    if (request.structureOnly) options.At(qn::LoadOption::kStructureOnly) = Var(true);
+    if (request.tolerance > 0) options.At(qn::LoadOption::kTolerance) = Var(request.tolerance);
+    return options;
+}
+
+/// Messages that did not stop the load.
+void PrintWarnings(const ContextImpl& context) {
+    for (const auto& message : context.GetMessages())
+        if (message.level <= kErrorLevel) std::fprintf(stderr, "assembly: %s\n", message.text.Utf8CStr());
+}
+
+}  // namespace
+
+Session::Session(ProgressStyle progress) : progress_(progress) {
+    String reason;
+    if (!qn::StartEngineWithAssembly(&reason))
+        throw Failure(ExitCode::kDefect, "the assembly module could not be loaded: " + reason.ToUtf8());
+    auto context = qn::Make<ContextImpl>();
+    context->SetProgressFunction(ProgressWriter(progress));
+    running = context.Get();
+    context_ = context;
+    std::signal(SIGINT, &CancelRunning);
+    std::signal(SIGTERM, &CancelRunning);
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+Session::~Session() { running = nullptr; }
+
+Counted<qn::k3::Scene> Session::Load(const LoadRequest& request) {
+    auto& context = static_cast<ContextImpl&>(*context_);
+    context.SetParamVar(qn::Param::kLoadOptions, OptionsOf(request));
+    auto scene = qn::Make<qn::k3::Scene>();
+    const String file = String::FromUtf8(request.file);
+    const qn::k3::Node* top = scene->LoadFile(file.c_str(), &context, kLoadFlags, qn::Guid());
+    if (context.IsCancelled()) throw Failure(ExitCode::kCancelled, request.file + ": cancelled");
+    if (!top) throw Failure(CodeOf(context.GetFailure()), FailureText(request.file, "could not be loaded"));
+    PrintWarnings(context);
+    return scene;
+}
+
+std::string Session::FailureText(const std::string& file, const std::string& otherwise) const {
+    const std::string cause = static_cast<const ContextImpl&>(*context_).GetFailureText().ToUtf8();
+    if (cause.empty()) return file + ": " + otherwise;
+    return cause.find(file) == std::string::npos ? file + ": " + cause : cause;
+}
+
+}  // namespace assembly::tool

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "frame/host/context.h"
+#include "frame/host/counted.h"
+#include "frame/host/scene_document.h"
+
+#include <string>
+
+namespace assembly::tool {
+
+/// How a file is read.
+struct LoadRequest {
+    std::string file;            ///< UTF-8
+    bool structureOnly = false;  ///< no geometry
+    double tolerance = 0;        ///< of tessellation, millimetres; 0: by size
+};
+
+enum class ProgressStyle { kAuto, kNone, kJson };
+
+/// The engine with the module, for one run of the tool.
+class Session {
+public:
+    /// Starts the engine and loads the module that stands beside the tool. Fails with kDefect if that is not to be had.
+    explicit Session(ProgressStyle progress = ProgressStyle::kAuto);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// A new scene with the file's top node. Fails with the code that the cause stands for.
+    qn::Counted<qn::k3::Scene> Load(const LoadRequest& request);
+    /// The context of the present run, borrowed.
+    qn::Context& GetContext() { return *context_; }
+    /// "FILE: cause", with the cause that the context knows, else `otherwise`.
+    std::string FailureText(const std::string& file, const std::string& otherwise) const;
+
+private:
+    qn::Counted<qn::Context> context_;
+    ProgressStyle progress_;
+};
+
+}  // namespace assembly::tool

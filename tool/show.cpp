@@ -1,0 +1,61 @@
+#include "tool/occurrence_walk.h"
+#include "tool/session.h"
+#include "tool/show_json.h"
+#include "tool/show_table.h"
+#include "tool/verbs.h"
+
+#include <memory>
+
+namespace assembly::tool {
+namespace {
+
+struct Options {
+    LoadRequest load;
+    ShowOptions show;
+    std::string format = "table";
+    std::string progress = "auto";
+};
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  assembly show bracket.stp                   the tree of occurrences\n"
+    "  assembly show --depth 2 bracket.stp         two levels of it\n"
+    "  assembly show --definitions bracket.stp     each definition with how often it is used\n"
+    "  assembly show --format json bracket.qn      definitions, uses and occurrences for scripts\n\n"
+    "Prints the occurrence tree of an assembly: definition name, then the occurrence's own name in quotes where it\n"
+    "differs, then how many uses the definition has where it is more than one.";
+
+void Run(const Options& options) {
+    Session session(options.progress == "none" ? ProgressStyle::kNone
+                    : options.progress == "json" ? ProgressStyle::kJson
+                                                 : ProgressStyle::kAuto);
+    const auto scene = session.Load(options.load);
+    const Structure structure = ReadStructure(*scene, session.GetContext());
+    Output output;
+    if (options.format == "json")
+        WriteShowJson(output, structure, options.show);
+    else if (options.show.definitions)
+        WriteDefinitionTable(output, structure, options.show);
+    else
+        WriteOccurrenceTree(output, structure, options.show);
+}
+
+}  // namespace
+
+void AddShow(CLI::App& app) {
+    auto options = std::make_shared<Options>();
+    options->load.structureOnly = true;
+    CLI::App* verb = app.add_subcommand("show", "Print the occurrence tree or the definitions of an assembly");
+    verb->description(kExamples);
+    verb->add_option("FILE", options->load.file, "STEP or scene file")->required();
+    verb->add_option("--depth", options->show.depth, "Levels of the tree to print (1: the roots alone)")
+        ->check(CLI::Range(1u, OccurrenceWalk::kAllLevels));
+    verb->add_flag("--definitions", options->show.definitions, "List the definitions in place of the tree");
+    verb->add_flag("--ids", options->show.ids, "Print ids, too");
+    verb->add_option("--format", options->format, "table or json")->check(CLI::IsMember({"table", "json"}));
+    verb->add_option("--progress", options->progress, "auto, none or json (on stderr)")
+        ->check(CLI::IsMember({"auto", "none", "json"}));
+    verb->callback([options] { Run(*options); });
+}
+
+}  // namespace assembly::tool

@@ -1,0 +1,214 @@
+#include "tool/structure.h"
+
+#include "construction/hierarchy_factory.h"
+#include "construction/hierarchy_generator.h"
+#include "frame/host/api.h"
+#include "frame/host/importer.h"
+#include "graph/lookup_table.h"
+#include "tool/failure.h"
+
+#include <algorithm>
+#include <limits>
+#include <unordered_map>
+
+namespace assembly::tool {
+namespace {
+
+using qn::Counted;
+using qn::Matrix4;
+using qn::Var;
+using qn::graph::HierarchyGenerator;
+using qn::graph::Instance;
+using qn::graph::Reference;
+namespace Prop = qn::graph::Prop;
+
+std::string TextOf(const Var& value) { return value.IsText() ? value.ToText().ToUtf8() : std::string(); }
+
+/// Whether the definition only stands around the roots of a file.
+bool IsContainer(const Reference& reference) {
+    const Var metadata = reference.GetProperty(Prop::kMetadata, 0);
+    const Var* group = metadata.IsMap() ? metadata.Lookup(qn::kFileGroup) : nullptr;
+    const Var* mark = group ? group->Lookup(qn::kFileContainer) : nullptr;
+    return mark && mark->ToBool();
+}
+
+/// Node to parent as generation makes it: the definition's own transform first, then that of the use.
+Matrix4<double> LocalMatrix(const Reference* reference, const Var& ofUse) {
+    Matrix4<double> use, definition;
+    const bool placed = ofUse.copy_to(use);
+    if (!reference || !reference->GetProperty(Prop::kLocalMatrix, 0).copy_to(definition)) return use;
+    if (placed) definition.SetMul(definition, use);
+    return definition;
+}
+
+class Reader {
+public:
+    explicit Reader(Structure& structure) : out_(structure) {}
+
+    void AddRoot(Instance* instance, Reference* reference) {
+        out_.roots.push_back(MakeUse(instance, reference));
+        Expand();
+    }
+    void AddRootsOf(Reference& container) {
+        for (int i = 0; i < container.GetChildCount(); ++i) {
+            const Counted<Instance> child = container.GetChild(i);
+            if (child && child->GetReference()) AddRoot(child.Get(), child->GetReference());
+        }
+    }
+
+private:
+    std::uint32_t IndexOf(Reference* reference) {
+        const auto [entry, isNew] = known_.emplace(reference, static_cast<std::uint32_t>(out_.definitions.size()));
+        if (isNew) {
+            Definition definition;
+            definition.reference = reference;
+            definition.name = TextOf(reference->GetProperty(Prop::kName, 0));
+            out_.definitions.push_back(std::move(definition));
+        }
+        return entry->second;
+    }
+
+    Use MakeUse(Instance* instance, Reference* reference) {
+        Use use;
+        use.instance = instance;
+        use.definition = IndexOf(reference);
+        if (!instance) return use;
+        use.name = TextOf(instance->GetProperty(Prop::kName, 0));
+        use.local = LocalMatrix(reference, instance->GetProperty(Prop::kLocalMatrix, 0));
+        for (int i = 0; i < instance->GetSelectorCount(); ++i) AddOverride(use, instance->GetSelector(i), reference);
+        return use;
+    }
+
+    static void AddOverride(Use& use, const qn::graph::Selector& selector, const Reference* reference) {
+        Override result;
+        for (int i = 0; i < selector.GetPathElementCount(); ++i)
+            result.path.push_back(selector.GetPathElement(static_cast<unsigned>(i)));
+        result.name = TextOf(selector.GetProperty(Prop::kName, 0));
+        const Var local = selector.GetProperty(Prop::kLocalMatrix, 0);
+        result.moved = local.IsMatrix();
+        if (result.moved) result.local = LocalMatrix(reference, local);
+        if (!result.path.empty() && (result.moved || !result.name.empty())) use.overrides.push_back(std::move(result));
+    }
+
+    /// Reads the uses of every definition that was met and not read yet.
+    void Expand() {
+        for (; read_ < out_.definitions.size(); ++read_) {
+            Reference& reference = *out_.definitions[read_].reference;
+            const auto first = static_cast<std::uint32_t>(out_.uses.size());
+            for (int i = 0; i < reference.GetChildCount(); ++i) {
+                const Counted<Instance> child = reference.GetChild(i);
+                if (!child || !child->GetReference()) continue;
+                Use use = MakeUse(child.Get(), child->GetReference());
+                ++out_.definitions[use.definition].usedBy;
+                out_.uses.push_back(std::move(use));
+            }
+            Definition& definition = out_.definitions[read_];
+            definition.firstUse = first;
+            definition.useCount = static_cast<std::uint32_t>(out_.uses.size()) - first;
+        }
+    }
+
+    Structure& out_;
+    std::unordered_map<Reference*, std::uint32_t> known_;
+    std::size_t read_ = 0;
+};
+
+[[noreturn]] void FailOnRing(const Structure& structure, const std::vector<std::uint32_t>& pending) {
+    std::string names;
+    for (std::size_t i = 0; i < structure.definitions.size(); ++i)
+        if (pending[i] > 0 && structure.definitions[i].useCount > 0)
+            names += (names.empty() ? "" : ", ") + ("\"" + structure.definitions[i].name + "\"");
+    throw Failure(ExitCode::kUnreadable, "a definition contains itself; the ring stands among " + names);
+}
+
+/// Definitions with users before used (Kahn's order).
+void SortDefinitions(Structure& structure) {
+    std::vector<std::uint32_t> pending(structure.definitions.size());
+    for (const Use& use : structure.uses) ++pending[use.definition];
+    for (std::uint32_t i = 0; i < pending.size(); ++i)
+        if (pending[i] == 0) structure.order.push_back(i);
+    for (std::size_t at = 0; at < structure.order.size(); ++at) {
+        const Definition& definition = structure.definitions[structure.order[at]];
+        for (std::uint32_t u = 0; u < definition.useCount; ++u) {
+            const std::uint32_t used = structure.uses[definition.firstUse + u].definition;
+            if (--pending[used] == 0) structure.order.push_back(used);
+        }
+    }
+    if (structure.order.size() != structure.definitions.size()) FailOnRing(structure, pending);
+}
+
+std::uint64_t AddOrFail(std::uint64_t left, std::uint64_t right) {
+    if (right > std::numeric_limits<std::uint64_t>::max() - left)
+        throw Failure(ExitCode::kLimit, "the assembly has more occurrences than can be counted (2^64 - 1)");
+    return left + right;
+}
+
+void CountBelow(Structure& structure) {
+    for (auto at = structure.order.rbegin(); at != structure.order.rend(); ++at) {
+        Definition& definition = structure.definitions[*at];
+        definition.expanded = 1, definition.depth = 1;
+        for (std::uint32_t u = 0; u < definition.useCount; ++u) {
+            const Definition& used = structure.definitions[structure.uses[definition.firstUse + u].definition];
+            definition.expanded = AddOrFail(definition.expanded, used.expanded);
+            definition.depth = std::max(definition.depth, used.depth + 1);
+        }
+        structure.widest = std::max(structure.widest, definition.useCount);
+    }
+}
+
+void CountOccurrences(Structure& structure) {
+    for (const Use& root : structure.roots) {
+        Definition& definition = structure.definitions[root.definition];
+        ++definition.occurrences;
+        structure.occurrences = AddOrFail(structure.occurrences, definition.expanded);
+        structure.depth = std::max(structure.depth, definition.depth);
+    }
+    for (const std::uint32_t index : structure.order) {
+        const Definition& definition = structure.definitions[index];
+        for (std::uint32_t u = 0; u < definition.useCount; ++u) {
+            Definition& used = structure.definitions[structure.uses[definition.firstUse + u].definition];
+            used.occurrences = AddOrFail(used.occurrences, definition.occurrences);
+        }
+        if (definition.useCount == 0) structure.leafOccurrences += definition.occurrences;
+    }
+    structure.instances = structure.uses.size();
+}
+
+/// A scene without generator: the hierarchy that its nodes stand for.
+void ReadFromNodes(qn::k3::Node& node, qn::graph::LookupTable& table, Reader& reader) {
+    const Counted<Instance> instance = table.GetInstanceOfNode(&node);
+    if (instance && instance->GetReference()) reader.AddRoot(instance.Get(), instance->GetReference());
+}
+
+Counted<qn::graph::LookupTable> TableOf(qn::k3::Scene& scene, qn::Context& context) {
+    const auto factory = qn::CreateAs<qn::graph::HierarchyFactory>(qn::graph::ClassKey::kHierarchyFactory);
+    auto table = factory ? factory->CreateLookupTableForScene(&scene, &context) : nullptr;
+    if (!table) throw Failure(ExitCode::kDefect, "the hierarchy of the scene could not be built");
+    return table;
+}
+
+}  // namespace
+
+Structure ReadStructure(qn::k3::Scene& scene, qn::Context& context) {
+    Structure structure;
+    Reader reader(structure);
+    for (qn::k3::Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling()) {
+        auto* generator = qn::Cast<HierarchyGenerator>(qn::k3::Generator::Get(node));
+        Reference* root = generator ? generator->GetRootReference() : nullptr;
+        if (!root) {
+            if (!structure.table) structure.table = TableOf(scene, context);
+            ReadFromNodes(*node, *structure.table, reader);
+        } else if (IsContainer(*root)) {
+            reader.AddRootsOf(*root);
+        } else {
+            const Counted<Instance> instance = root->GetInstance(root->GetInstanceCount() - 1);
+            reader.AddRoot(instance.Get(), root);
+        }
+    }
+    SortDefinitions(structure);
+    CountBelow(structure);
+    CountOccurrences(structure);
+    return structure;
+}
+
+}  // namespace assembly::tool

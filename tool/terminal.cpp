@@ -1,0 +1,82 @@
+#include "tool/terminal.h"
+
+#include <nlohmann/json.hpp>
+
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace assembly::tool {
+namespace {
+
+constexpr std::size_t kBufferSize = 1 << 16;
+
+bool WantsColour() {
+    const char* refused = std::getenv("NO_COLOR");
+    return ::isatty(STDOUT_FILENO) && !(refused && *refused);
+}
+
+bool IsContinuation(unsigned char byte) { return (byte & 0xc0) == 0x80; }
+
+}  // namespace
+
+Output::Output() : colour_(WantsColour()) { buffer_.reserve(kBufferSize); }
+
+Output::~Output() { Flush(); }
+
+void Output::Write(std::string_view text) {
+    buffer_ += text;
+    if (buffer_.size() >= kBufferSize) Flush();
+}
+
+void Output::Line(std::string_view text) {
+    Write(text);
+    Write("\n");
+}
+
+void Output::Flush() {
+    if (open_ && !buffer_.empty() && std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size())
+        open_ = false;
+    if (open_ && std::fflush(stdout) != 0) open_ = false;
+    buffer_.clear();
+}
+
+std::string Output::Faint(std::string_view text) const {
+    return colour_ ? "\x1b[2m" + std::string(text) + "\x1b[0m" : std::string(text);
+}
+
+std::string Quoted(std::string_view text) {
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+std::string NumberText(double value) {
+    if (value == 0) return "0";
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, value).ptr;
+    return std::string(text, end);
+}
+
+std::size_t Width(std::string_view utf8) {
+    std::size_t width = 0;
+    for (const unsigned char byte : utf8) width += !IsContinuation(byte);
+    return width;
+}
+
+std::string Printable(std::string_view utf8) {
+    std::string result;
+    result.reserve(utf8.size());
+    for (const char letter : utf8) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if (byte >= 0x20 && byte != 0x7f) {
+            result += letter;
+        } else {
+            char escaped[8];
+            std::snprintf(escaped, sizeof escaped, "\\x%02x", byte);
+            result += escaped;
+        }
+    }
+    return result;
+}
+
+}  // namespace assembly::tool

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace assembly::tool {
+
+/// Each adds its verb with its options; the verb runs when its options were read, and throws `Failure`.
+void AddShow(CLI::App& app);
+void AddStats(CLI::App& app);
+void AddConvert(CLI::App& app);
+void AddModule(CLI::App& app);
+
+}  // namespace assembly::tool
