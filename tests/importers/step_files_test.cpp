@@ -1,21 +1,18 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 
 #include "importers/step/step_structure.h"
+#include "tests/importers/step_data.h"
 #include "tests/importers/step_summary.h"
 
 namespace {
 
 using nlohmann::json;
 namespace fs = std::filesystem;
-
-fs::path DataDir() {
-    const char* chosen = std::getenv("ASSEMBLY_DATA_DIR");
-    return chosen ? chosen : ASSEMBLY_DATA_DIR;
-}
 
 json ReadJson(const fs::path& path) {
     std::ifstream in(path);
