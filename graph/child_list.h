@@ -9,7 +9,8 @@
 
 namespace qn::graph {
 
-/// The instances inside a definition, in order, counted. Asking whether one is there takes constant time in long lists.
+/// The instances inside a definition, in order, counted. Asking whether one is there takes constant time in
+/// long lists.
 class ChildList {
 public:
     int GetCount() const { return static_cast<int>(entries_.size()); }

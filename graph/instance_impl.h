@@ -4,8 +4,8 @@
 
 namespace qn::graph {
 
-/// The class behind "qn.graph.instance". Name, ids and other values live in the property map, the parameters or the
-/// metadata; see `element_properties.h`.
+/// The class behind "qn.graph.instance". Name, ids and other values live in the property map, the parameters
+/// or the metadata; see `element_properties.h`.
 class InstanceImpl final : public Instance {
 public:
     explicit InstanceImpl(Reference* reference = nullptr);
@@ -32,7 +32,8 @@ public:
     void SetReference(Reference* reference);
     /// Called by the definition that takes the instance into its children, or lets it go.
     void SetParentReference(Reference* parent);
-    /// Empty, or a map from running numbers (and, for path attributes, local ids) to `PersistentSelector` values.
+    /// Empty, or a map from running numbers (and, for path attributes, local ids) to `PersistentSelector`
+    /// values.
     Var& Selectors() { return selectors_; }
     const Var& Selectors() const { return selectors_; }
 
@@ -48,7 +49,9 @@ public:
     bool IsTypeOf(const char* name) const override;
 
     static const ClassRecord& StaticClass();
-    void* CastTo(const ClassRecord& wanted) override { return CastThrough<InstanceImpl, Instance>(this, wanted); }
+    void* CastTo(const ClassRecord& wanted) override {
+        return CastThrough<InstanceImpl, Instance>(this, wanted);
+    }
 
 private:
     struct ChunkRow;

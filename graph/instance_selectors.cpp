@@ -39,7 +39,8 @@ void InstanceImpl::AddSelector(const Selector& selector) {
     LookupTable* table = GetLookupTable();
     if (!table) return AddLocalSelector(selector);
     if (!selector.IsValid()) return;
-    if (const auto stored = table->CreatePersistentSelector(selector)) AppendSelector(selectors_, Var(stored));
+    if (const auto stored = table->CreatePersistentSelector(selector))
+        AppendSelector(selectors_, Var(stored));
 }
 
 void InstanceImpl::AddLocalSelector(const Selector& selector) {

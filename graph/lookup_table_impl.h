@@ -124,6 +124,7 @@ public:
     std::set<String> allowedPaths;
     bool filterActive = false;
     WatchedMap<k3::Layer, Counted<Reference>> layerReferences;  ///< layers whose member is a loaded file's root
+    Counted<Reference> loadPlaceholder;  ///< empty reference that the next file load fills, though its server id is known
 };
 
 }  // namespace qn::graph

@@ -51,7 +51,8 @@ public:
     void RunAllInstructions(Extension* target, Context* context) override;
     Var CreateResolverCache() override;
     Reference* RegisterInTable(LookupTable* table) override;
-    void RunInstructionsRecursive(Extension* target, Context* context, std::set<Reference*>& visited) override;
+    void RunInstructionsRecursive(Extension* target, Context* context,
+                                  std::set<Reference*>& visited) override;
     void SetInstanceReference(Instance* instance) override;
     void ClearInstances() override;
     void AddInstances(const std::vector<Instance*>& instances) override;
@@ -75,7 +76,9 @@ public:
     bool IsTypeOf(const char* name) const override;
 
     static const ClassRecord& StaticClass();
-    void* CastTo(const ClassRecord& wanted) override { return CastThrough<ReferenceImpl, Reference>(this, wanted); }
+    void* CastTo(const ClassRecord& wanted) override {
+        return CastThrough<ReferenceImpl, Reference>(this, wanted);
+    }
 
 private:
     friend class Registration;
@@ -91,11 +94,12 @@ private:
     void SaveChildren(Stream* stream, Context* context) const;
 
     void BindTable(LookupTable* table);
-    void RememberOrigin(Reference* source);
     Counted<Instance> CreateListedInstance(LookupTableImpl& table);
-    Counted<Reference> ResolveCached(const Var& key, Counted<Reference> (ReferenceImpl::*resolve)(const Var& key));
-    Counted<Reference> FindByTargetEntry(const Var& key);
-    Counted<Reference> LoadTargetFile(const Var& file);
+    Var GetGenericContent() const;
+    Counted<Reference> ResolveEntry(const Var& key);
+    Counted<Reference> ResolveFile(const Var& file);
+    Counted<Reference> KeepResolved(const Var& key, Counted<Reference> result);
+    void RunInstruction(PostProcessingInstruction& instruction, Extension* target, Context* context) const;
 
     ChildList children_;
     std::vector<Weak<Instance>> instances_;

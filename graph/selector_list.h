@@ -4,7 +4,8 @@
 #include "frame/host/var.h"
 #include "graph/graph.h"
 
-// The `selectors` values of instances and references: empty, or a map from running number to persistent selector.
+// The `selectors` values of instances and references: empty, or a map from running number to persistent
+// selector.
 
 namespace qn::graph {
 

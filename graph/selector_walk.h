@@ -8,12 +8,13 @@
 
 namespace qn::graph {
 
-/// The recursive part of resolving and storing selectors: parents first, children in order, with a stack of its own.
+/// The recursive part of resolving and storing selectors: parents first, children in order, with a stack of
+/// its own.
 ///
-/// `Work` gives `Own(InstanceImpl&)` and `Own(ReferenceImpl&)`, the work on one element; `Foreign(Reference&)` for a
-/// definition of another class; and `Meet(Instance*)`, true for an instance that was not met before, which it marks.
-/// A definition is worked on for each use that is met; its children are looked through once it was finished no more,
-/// since all of them have been met.
+/// `Work` gives `Own(InstanceImpl&)` and `Own(ReferenceImpl&)`, the work on one element;
+/// `Foreign(Reference&)` for a definition of another class; and `Meet(Instance*)`, true for an instance that
+/// was not met before, which it marks. A definition is worked on for each use that is met; its children are
+/// looked through once it was finished no more, since all of them have been met.
 template <class Work>
 class SelectorWalk {
 public:
@@ -22,7 +23,8 @@ public:
     /// The children of `root` and all below; not `root`'s own work.
     void Below(ReferenceImpl& root) {
         Push(root);
-        while (!stack_.empty()) Step();
+        while (!stack_.empty())
+            Step();
     }
 
 private:
