@@ -1,0 +1,107 @@
+#include "construction/node_generation.h"
+
+#include "construction/linked_reference.h"
+#include "construction/property_copy.h"
+#include "frame/host/context.h"
+#include "frame/host/translate.h"
+#include "graph/lookup_table.h"
+#include "graph/reference.h"
+
+namespace qn::graph {
+
+Counted<Selector::Traverser> NodeGeneration::Run(const Selector& selector, Selector::Traverser* start) {
+    const Counted<Instance> instance(selector.GetInstance());
+    if (!start || !instance) return {};
+    const int length = selector.GetPathElementCount();
+    for (int index = 0; index < length; ++index)
+        path_.push_back(selector.GetPathElement(static_cast<unsigned>(index)));
+    NodeTraverser result = Enter(selector, *instance, NodeTraverser(start), {0, 0});
+    while (!levels_.empty()) {
+        Level& level = levels_.back();
+        if (level.next == level.count || budget_.IsExceeded()) {
+            LeaveLevel();
+            continue;
+        }
+        const Selector child = level.source.GetChild(level.next++);
+        const Counted<Instance> childInstance(child.GetInstance());
+        if (!childInstance) continue;
+        const Place outside{path_.size(), base_};
+        path_.push_back(childInstance.Get());
+        Enter(child, *childInstance, NodeTraverser(level.node), outside);
+    }
+    if (budget_.IsExceeded()) ReportLimit(selector);
+    return result;
+}
+
+/// Where the definition lies elsewhere, the walk goes on with the instance alone, once, whatever the reload
+/// brought.
+NodeGeneration::NodeTraverser NodeGeneration::Enter(const Selector& source, Instance& instance,
+                                                    const NodeTraverser& parent, Place outside) {
+    const Reference* const reference = instance.GetReference();
+    NodeTraverser result = parent;
+    const Selector* walked = &source;
+    Selector alone;
+    const bool linked = reference && !reference->HasNoTargetLink();
+    if (linked) {
+        AdoptLinkedReference(source, descent_, budget_);
+        alone.AppendPathElement(&instance);
+        walked = &alone;
+        base_ = path_.size();
+        path_.push_back(&instance);
+    }
+    const NodeTraverser node = MakeNode(*walked, instance, parent);
+    if (!node || !EnterLevel(*walked, instance, node, outside)) Restore(outside);
+    return linked ? parent : node;
+}
+
+NodeGeneration::NodeTraverser NodeGeneration::MakeNode(const Selector& source, Instance& instance,
+                                                       const NodeTraverser& parent) {
+    if (!budget_.Take()) return {};
+    NodeTraverser node = parent->CreateChild(&instance);
+    if (!node) return node;
+    CopyProperties(source, *node, CopySource::kPath, false);
+    const SelectorsByPath& selectors = matches_.Of(&instance);
+    if (!selectors.IsEmpty())
+        selectors.ForEachMatch(std::span(path_).subspan(base_), [&](const Selector& match) {
+            CopyProperties(match, *node, CopySource::kSelector, false);
+        });
+    return node;
+}
+
+/// False if there is nothing below. Nodes that are walked end by themselves; definitions might not.
+bool NodeGeneration::EnterLevel(const Selector& source, Instance& instance, const NodeTraverser& node,
+                                Place outside) {
+    const int count = source.GetChildCount();
+    if (count <= 0) return false;
+    Level level{source, node, {}, {}, outside, 0, static_cast<unsigned>(count)};
+    if (Reference* const reference = instance.GetReference(); reference && !source.GetTraverser()) {
+        if (!descent_.Enter(reference)) return false;
+        level.reference = Counted<Reference>(reference);
+        if (const String file = FileOf(*reference); descent_.EnterFile(file)) level.file = file;
+    }
+    levels_.push_back(std::move(level));
+    return true;
+}
+
+void NodeGeneration::LeaveLevel() {
+    const Level& level = levels_.back();
+    if (level.reference) descent_.Leave(level.reference.Get());
+    if (level.file.NonEmpty()) descent_.LeaveFile(level.file);
+    Restore(level.outside);
+    levels_.pop_back();
+}
+
+void NodeGeneration::Restore(Place place) {
+    path_.resize(place.size);
+    base_ = place.base;
+}
+
+void NodeGeneration::ReportLimit(const Selector& selector) const {
+    LookupTable* const table = selector.GetLookupTable();
+    if (Context* const context = table ? table->GetContext() : nullptr)
+        context->Fail(LoadFailure::kLimit,
+                      Translate("assembly", "The hierarchy has more occurrences than can be shown.",
+                                "XMSG: Error message", -1));
+}
+
+}  // namespace qn::graph

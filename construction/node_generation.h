@@ -1,0 +1,57 @@
+#pragma once
+
+#include "construction/descent.h"
+#include "construction/selector_matches.h"
+#include "frame/host/selector.h"
+#include "graph/instance.h"
+#include "graph/limits.h"
+
+#include <vector>
+
+namespace qn::graph {
+
+/// One run from hierarchy to scene: a node for each occurrence below a selector, parents first, children in
+/// order. A definition within itself gets its node and no children. Past the limit the run stops, with what
+/// it made left as it is, and reports to the context of the selector's table.
+class NodeGeneration {
+public:
+    explicit NodeGeneration(std::int64_t limit = kMaxOccurrences) : budget_(limit) {}
+
+    /// The traverser of the node made for the selector; `start` itself where the definition lies elsewhere;
+    /// or null.
+    Counted<Selector::Traverser> Run(const Selector& selector, Selector::Traverser* start);
+
+private:
+    using NodeTraverser = Counted<Selector::Traverser>;
+    struct Place {
+        std::size_t size;  ///< elements of `path_`
+        std::size_t base;  ///< where the present path starts in it
+    };
+    struct Level {
+        Selector source;
+        NodeTraverser node;
+        Counted<Reference> reference;  ///< entered with this level, or null
+        String file;                   ///< the same, or empty
+        Place outside;
+        unsigned next = 0;
+        unsigned count = 0;
+    };
+
+    NodeTraverser Enter(const Selector& source, Instance& instance, const NodeTraverser& parent,
+                        Place outside);
+    NodeTraverser MakeNode(const Selector& source, Instance& instance, const NodeTraverser& parent);
+    bool EnterLevel(const Selector& source, Instance& instance, const NodeTraverser& node, Place outside);
+    void LeaveLevel();
+    void Restore(Place place);
+    void ReportLimit(const Selector& selector) const;
+
+    OccurrenceBudget budget_;
+    SelectorMatchCache matches_;
+    Descent descent_;
+    std::vector<Instance*>
+        path_;  ///< of all levels; a definition that lies elsewhere starts a path of its own
+    std::size_t base_ = 0;
+    std::vector<Level> levels_;
+};
+
+}  // namespace qn::graph
