@@ -83,7 +83,7 @@ Counted<k3::Node> HierarchyFactoryImpl::GenerateNodes(const Selector& selector, 
     Reference* const reference = selector.GetReference();
     WorkingMaps maps(reference ? reference->GetLookupTable() : nullptr);
     const auto traverser = TraverserOn(root, selector.GetLookupTable(), maps, true);
-    traverser->UseNodeItself();
+    traverser->SetUseNodeItself(true);
     maps.Instances().Add(selector.GetInstance(), root);
     maps.Nodes().Set(root, selector.GetInstance());
     NodeGeneration().Run(selector, traverser.Get());
