@@ -42,7 +42,8 @@ String NameOfTop(const String& file) {
 String DescribeHead(std::string_view head) {
     constexpr std::size_t kShown = 16;
     std::string shown;
-    for (const char letter : head.substr(0, kShown)) shown += letter >= ' ' && letter <= '~' ? letter : '.';
+    for (const char letter : head.substr(0, kShown))
+        shown += letter >= ' ' && letter <= '~' ? letter : '.';
     return L"it starts with \"" + String::FromUtf8(shown) + L"\"";
 }
 
@@ -53,8 +54,8 @@ const ImporterRecord* ChooseImporter(const Import& import, const Guid& guid) {
     if (head.empty()) return import.Fail(LoadFailure::kMalformed, L"the file is empty");
     const std::string name = String(FileName(import.file)).ToUtf8();
     if (const ImporterRecord* record = Importers().Choose(guid, head, name)) return record;
-    return import.Fail(LoadFailure::kUnreadable, L"unknown format, " + DescribeHead(head) + L"; known formats: " +
-                                                     Importers().Describe());
+    return import.Fail(LoadFailure::kUnreadable, L"unknown format, " + DescribeHead(head) +
+                                                     L"; known formats: " + Importers().Describe());
 }
 
 Counted<Importer> CreateImporter(const Import& import, const ImporterRecord& record) {

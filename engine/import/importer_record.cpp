@@ -71,14 +71,15 @@ bool SetField(std::string_view line, const std::string& folder, ImporterRecord& 
     if (equals == std::string_view::npos) return false;
     const std::string_view name = Trimmed(line.substr(0, equals));
     const std::string_view value = Trimmed(line.substr(equals + 1));
-    const auto field =
-        std::find_if(std::begin(kFields), std::end(kFields), [&](const FieldRow& row) { return row.name == name; });
+    const auto field = std::find_if(std::begin(kFields), std::end(kFields),
+                                    [&](const FieldRow& row) { return row.name == name; });
     return field != std::end(kFields) && !value.empty() && field->set(value, folder, out);
 }
 
 }  // namespace
 
-bool ParseImporterRecord(std::string_view text, const std::string& folder, ImporterRecord& out, String& reason) {
+bool ParseImporterRecord(std::string_view text, const std::string& folder, ImporterRecord& out,
+                         String& reason) {
     ImporterRecord record;
     int number = 0;
     while (!text.empty()) {
@@ -108,7 +109,8 @@ bool MatchesContent(const ImporterRecord& record, std::string_view head) {
 bool MatchesEnding(const ImporterRecord& record, std::string_view fileName) {
     const std::string lower = Lower(fileName);
     return std::any_of(record.endings.begin(), record.endings.end(), [&](const std::string& ending) {
-        return lower.size() > ending.size() && lower.compare(lower.size() - ending.size(), ending.size(), ending) == 0;
+        return lower.size() > ending.size() &&
+               lower.compare(lower.size() - ending.size(), ending.size(), ending) == 0;
     });
 }
 

@@ -27,8 +27,8 @@ std::vector<fs::path> RecordFiles(const std::string& folder) {
 
 template <class Test>
 const ImporterRecord* FirstOf(const std::vector<const ImporterRecord*>& records, Test&& test) {
-    const auto found =
-        std::find_if(records.begin(), records.end(), [&](const ImporterRecord* record) { return test(*record); });
+    const auto found = std::find_if(records.begin(), records.end(),
+                                    [&](const ImporterRecord* record) { return test(*record); });
     return found == records.end() ? nullptr : *found;
 }
 
@@ -58,8 +58,10 @@ void ImporterRegistry::ReadFolder(const std::string& folder) {
 
 std::vector<const ImporterRecord*> ImporterRegistry::GetRecords() const {
     std::vector<const ImporterRecord*> records;
-    for (const ImporterRecord& record : builtIn_) records.push_back(&record);
-    for (const ImporterRecord& record : found_) records.push_back(&record);
+    for (const ImporterRecord& record : builtIn_)
+        records.push_back(&record);
+    for (const ImporterRecord& record : found_)
+        records.push_back(&record);
     return records;
 }
 

@@ -15,13 +15,16 @@ Counted<Interface> ApiImpl::Create(const char* key) {
     return object ? object : MakeEngineClass(key);
 }
 
-bool ApiImpl::RegisterExtension(ModuleHandle handle, const char* key, unsigned value, const String& displayName) {
+bool ApiImpl::RegisterExtension(ModuleHandle handle, const char* key, unsigned value,
+                                const String& displayName) {
     if (!key || !*key) return false;
     Modules().AddExtension({handle, key, value, displayName});
     return true;
 }
 
-VarMap* ApiImpl::GetPcoreSessionUserData() { return GetSession().userData.Get(); }
+VarMap* ApiImpl::GetPcoreSessionUserData() {
+    return GetSession().userData.Get();
+}
 
 bool ApiImpl::GetSpecialFolder(int kind, wchar_t* buffer, int size) {
     const auto& folders = GetSession().specialFolders;
@@ -31,13 +34,17 @@ bool ApiImpl::GetSpecialFolder(int kind, wchar_t* buffer, int size) {
     return folder.NonEmpty();
 }
 
-Counted<Collection> ApiImpl::CreateCollection() { return Make<Collection>(); }
+Counted<Collection> ApiImpl::CreateCollection() {
+    return Make<Collection>();
+}
 
 Counted<Stream> ApiImpl::CreateStream(ModuleHandle, const wchar_t* name, unsigned) {
     return name ? ByteStream::OpenFile(String(name)) : Counted<ByteStream>();
 }
 
-String ApiImpl::GetProductName() { return GetSession().productName; }
+String ApiImpl::GetProductName() {
+    return GetSession().productName;
+}
 
 bool ApiImpl::GetDocumentPath(wchar_t* buffer, int size) {
     const String& path = GetSession().documentPath;
@@ -45,14 +52,20 @@ bool ApiImpl::GetDocumentPath(wchar_t* buffer, int size) {
     return path.NonEmpty();
 }
 
-Counted<Context> ApiImpl::CreateContext(int, int) { return Make<ContextImpl>(); }
+Counted<Context> ApiImpl::CreateContext(int, int) {
+    return Make<ContextImpl>();
+}
 
-void* ApiImpl::GetMainWindow(int) { return GetSession().mainWindow; }
+void* ApiImpl::GetMainWindow(int) {
+    return GetSession().mainWindow;
+}
 
 int ApiImpl::ShowMessageBox(void* window, const String& text, const String& caption, unsigned flags) {
     return GetPlatform().ShowMessageBox(window, text, caption, flags);
 }
 
-bool ApiImpl::LoadModule(const String& path, String* reason) { return LoadModuleFile(path, reason); }
+bool ApiImpl::LoadModule(const String& path, String* reason) {
+    return LoadModuleFile(path, reason);
+}
 
 }  // namespace qn

@@ -4,14 +4,15 @@
 
 namespace qn {
 
-/// The stand-alone host: modules from `Modules()`, surroundings from `GetSession()` and `GetPlatform()`. Without state
-/// of its own.
+/// The stand-alone host: modules from `Modules()`, surroundings from `GetSession()` and `GetPlatform()`.
+/// Without state of its own.
 class ApiImpl final : public Api {
 public:
     /// Asks the modules that registered the key, then the engine's own classes.
     Counted<Interface> Create(const char* key) override;
     /// False without a key.
-    bool RegisterExtension(ModuleHandle handle, const char* key, unsigned value, const String& displayName) override;
+    bool RegisterExtension(ModuleHandle handle, const char* key, unsigned value,
+                           const String& displayName) override;
     VarMap* GetPcoreSessionUserData() override;
     bool GetSpecialFolder(int kind, wchar_t* buffer, int size) override;
     Counted<Collection> CreateCollection() override;

@@ -32,16 +32,32 @@ Counted<ByteStream> ByteStream::OpenFile(const String& path) {
     return FromBytes(std::move(bytes));
 }
 
-std::string_view ByteStream::Rest() const { return std::string_view(*bytes_).substr(position_); }
+std::string_view ByteStream::Rest() const {
+    return std::string_view(*bytes_).substr(position_);
+}
 
-bool ByteStream::BeginChunk(unsigned) { return false; }
+bool ByteStream::BeginChunk(unsigned) {
+    return false;
+}
 void ByteStream::EndChunk() {}
-bool ByteStream::WriteData(const void*, int, int) { return false; }
-bool ByteStream::WriteInt(int) { return false; }
-bool ByteStream::WriteObjectChunk(Interface*, Context*, int) { return false; }
-bool ByteStream::WriteObjectNumber(Interface*, Context*, bool) { return false; }
-bool ByteStream::NextChunk() { return false; }
-int ByteStream::GetChunkId() const { return 0; }
+bool ByteStream::WriteData(const void*, int, int) {
+    return false;
+}
+bool ByteStream::WriteInt(int) {
+    return false;
+}
+bool ByteStream::WriteObjectChunk(Interface*, Context*, int) {
+    return false;
+}
+bool ByteStream::WriteObjectNumber(Interface*, Context*, bool) {
+    return false;
+}
+bool ByteStream::NextChunk() {
+    return false;
+}
+int ByteStream::GetChunkId() const {
+    return 0;
+}
 
 int ByteStream::ReadData(void* data, int itemSize, int count) {
     if (!data || itemSize <= 0 || count <= 0) return 0;
@@ -56,13 +72,18 @@ bool ByteStream::ReadInt(int& value) {
     unsigned char bytes[4];
     if (ReadData(bytes, 4, 1) != 1) return false;
     unsigned word = 0;
-    for (int i = 3; i >= 0; --i) word = word << 8 | bytes[i];
+    for (int i = 3; i >= 0; --i)
+        word = word << 8 | bytes[i];
     value = static_cast<int>(word);
     return true;
 }
 
-Counted<Interface> ByteStream::ReadObject(Context*) { return {}; }
-Counted<Interface> ByteStream::ReadObjectNumber(Context*) { return {}; }
+Counted<Interface> ByteStream::ReadObject(Context*) {
+    return {};
+}
+Counted<Interface> ByteStream::ReadObjectNumber(Context*) {
+    return {};
+}
 
 bool ByteStream::Fail(const String& text) {
     if (!failed_) failureText_ = text;
@@ -75,7 +96,9 @@ const ClassRecord& ByteStream::StaticClass() {
     return record;
 }
 
-void* ByteStream::CastTo(const ClassRecord& wanted) { return CastThrough<ByteStream, Stream>(this, wanted); }
+void* ByteStream::CastTo(const ClassRecord& wanted) {
+    return CastThrough<ByteStream, Stream>(this, wanted);
+}
 
 std::string ReadToEnd(Stream& stream) {
     std::string bytes;

@@ -9,7 +9,8 @@
 
 namespace qn {
 
-/// Plain bytes for reading: a resource or a whole file. It has no chunks and no objects, and refuses to write.
+/// Plain bytes for reading: a resource or a whole file. It has no chunks and no objects, and refuses to
+/// write.
 class ByteStream final : public Stream {
 public:
     explicit ByteStream(std::shared_ptr<const std::string> bytes);

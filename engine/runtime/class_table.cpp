@@ -8,7 +8,9 @@
 namespace qn {
 namespace {
 
-Interface* MakeStrongArray() { return InterfaceArray::CreateStrong().Detach(); }
+Interface* MakeStrongArray() {
+    return InterfaceArray::CreateStrong().Detach();
+}
 
 constexpr ClassRow kEngineClasses[] = {
     {"qnxmldocument", &MakeOf<xml::XmlDocument>},
@@ -37,7 +39,13 @@ std::vector<ClassRow>& AddedClasses() {
     return rows;
 }
 
-ClassMaker FindMaker(const char* key) {
+}  // namespace
+
+void AddEngineClass(const ClassRow& row) {
+    AddedClasses().push_back(row);
+}
+
+ClassMaker FindEngineClass(const char* key) {
     for (const ClassRow& row : kEngineClasses) {
         if (EqualKeys(row.key, key)) return row.make;
     }
@@ -47,12 +55,8 @@ ClassMaker FindMaker(const char* key) {
     return nullptr;
 }
 
-}  // namespace
-
-void AddEngineClass(const ClassRow& row) { AddedClasses().push_back(row); }
-
 Counted<Interface> MakeEngineClass(const char* key) {
-    const ClassMaker make = FindMaker(key);
+    const ClassMaker make = FindEngineClass(key);
     return make ? Counted<Interface>::Adopt(make()) : Counted<Interface>();
 }
 

@@ -18,9 +18,11 @@ Interface* MakeOf() {
     return Make<T>().Detach();
 }
 
-/// Adds a row behind the engine's own ones; a key that is there already keeps its first maker. The key must outlive
-/// the process.
+/// Adds a row behind the engine's own ones; a key that is there already keeps its first maker. The key must
+/// outlive the process.
 void AddEngineClass(const ClassRow& row);
+/// The maker of one of the engine's own classes (keys ignore case), or null.
+ClassMaker FindEngineClass(const char* key);
 /// A new object of one of the engine's own classes (keys ignore case); null if there is no such class.
 Counted<Interface> MakeEngineClass(const char* key);
 

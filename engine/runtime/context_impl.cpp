@@ -16,7 +16,9 @@ const ClassRecord& Context::StaticClass() {
     return record;
 }
 
-void* Context::CastTo(const ClassRecord& wanted) { return CastThrough<Context, Extension>(this, wanted); }
+void* Context::CastTo(const ClassRecord& wanted) {
+    return CastThrough<Context, Extension>(this, wanted);
+}
 
 ContextImpl::ContextImpl() = default;
 ContextImpl::~ContextImpl() = default;
@@ -60,6 +62,8 @@ const ClassRecord& ContextImpl::StaticClass() {
     return record;
 }
 
-void* ContextImpl::CastTo(const ClassRecord& wanted) { return CastThrough<ContextImpl, Context>(this, wanted); }
+void* ContextImpl::CastTo(const ClassRecord& wanted) {
+    return CastThrough<ContextImpl, Context>(this, wanted);
+}
 
 }  // namespace qn

@@ -20,6 +20,8 @@ Api& StartEngine() {
     return *api;
 }
 
-bool StartEngineWithAssembly(String* reason) { return StartEngine().LoadModule(kAssemblyModule, reason); }
+bool StartEngineWithAssembly(String* reason) {
+    return StartEngine().LoadModule(kAssemblyModule, reason);
+}
 
 }  // namespace qn

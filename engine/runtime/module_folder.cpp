@@ -40,6 +40,8 @@ String ModuleFolder() {
     return String::FromUtf8(DefaultFolder().string());
 }
 
-void SetModuleFolder(const String& folder) { ChosenFolder() = folder; }
+void SetModuleFolder(const String& folder) {
+    ChosenFolder() = folder;
+}
 
 }  // namespace qn

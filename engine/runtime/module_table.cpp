@@ -5,7 +5,9 @@
 namespace qn {
 namespace {
 
-char Lower(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter; }
+char Lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
 
 constexpr std::size_t kFnvStart = 0xcbf29ce484222325;
 constexpr std::size_t kFnvPrime = 0x100000001b3;
@@ -14,7 +16,8 @@ constexpr std::size_t kFnvPrime = 0x100000001b3;
 
 std::size_t ModuleTable::KeyHash::operator()(std::string_view key) const noexcept {
     std::size_t hash = kFnvStart;
-    for (const char letter : key) hash = (hash ^ static_cast<unsigned char>(Lower(letter))) * kFnvPrime;
+    for (const char letter : key)
+        hash = (hash ^ static_cast<unsigned char>(Lower(letter))) * kFnvPrime;
     return hash;
 }
 
@@ -58,9 +61,12 @@ void ModuleTable::Remove(ModuleHandle handle) {
     std::erase_if(modules_, [&](const LoadedModule& module) { return module.handle == handle; });
     std::erase_if(extensions_, [&](const ExtensionRow& row) { return row.handle == handle; });
     rowsOfKey_.clear();
-    for (std::size_t row = 0; row < extensions_.size(); ++row) Index(row);
+    for (std::size_t row = 0; row < extensions_.size(); ++row)
+        Index(row);
 }
 
-void ModuleTable::Index(std::size_t row) { rowsOfKey_[extensions_[row].key].push_back(row); }
+void ModuleTable::Index(std::size_t row) {
+    rowsOfKey_[extensions_[row].key].push_back(row);
+}
 
 }  // namespace qn

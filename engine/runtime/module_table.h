@@ -14,13 +14,14 @@ using ModuleEntry = std::uintptr_t (*)(unsigned code, void* first, void* second)
 
 /// Codes of a module's entry function.
 namespace ModuleCode {
-inline constexpr unsigned kRegister = 0x1001;        ///< second: the module handle
-inline constexpr unsigned kPostLoad = 0x1009;        ///< first: the scene, second: not 0 for a merged file
+inline constexpr unsigned kRegister = 0x1001;  ///< second: the module handle
+inline constexpr unsigned kPostLoad = 0x1009;  ///< first: the scene, second: not 0 for a merged file
 inline constexpr unsigned kInterfaceVersion = 0x1010;
-inline constexpr unsigned kVersionText = 0x1020;     ///< first: wide buffer, second: its capacity
-inline constexpr unsigned kDescription = 0x1021;     ///< as kVersionText
-inline constexpr unsigned kIdentifier = 0x1023;      ///< first: 16 bytes
-inline constexpr unsigned kCreate = 0x10002;         ///< first: class key; answers an Interface* with one count, or 0
+inline constexpr unsigned kVersionText = 0x1020;  ///< first: wide buffer, second: its capacity
+inline constexpr unsigned kDescription = 0x1021;  ///< as kVersionText
+inline constexpr unsigned kIdentifier = 0x1023;   ///< first: 16 bytes
+inline constexpr unsigned kCreate =
+    0x10002;  ///< first: class key; answers an Interface* with one count, or 0
 }  // namespace ModuleCode
 
 struct LoadedModule {
@@ -37,19 +38,20 @@ struct ExtensionRow {
     String displayName;
 };
 
-/// The modules in force and the classes that they registered, both in order. Nothing is merged: a class registered
-/// twice has two rows.
+/// The modules in force and the classes that they registered, both in order. Nothing is merged: a class
+/// registered twice has two rows.
 class ModuleTable {
 public:
     const std::vector<LoadedModule>& Modules() const { return modules_; }
     const std::vector<ExtensionRow>& Extensions() const { return extensions_; }
     /// The module of that handle, or null; valid until the table changes.
     const LoadedModule* Find(ModuleHandle handle) const;
-    /// The new object of the first module that registered the key (case does not matter) and makes one; null if none.
+    /// The new object of the first module that registered the key (case does not matter) and makes one; null
+    /// if none.
     Counted<Interface> Create(const char* key) const;
 
-    /// Keeps the module and has it register its classes. False, with nothing kept, if the handle is known or the entry
-    /// answers 0.
+    /// Keeps the module and has it register its classes. False, with nothing kept, if the handle is known or
+    /// the entry answers 0.
     bool Add(const LoadedModule& module);
     void AddExtension(const ExtensionRow& row);
     /// Forgets the module and its classes. Objects of it must be gone.

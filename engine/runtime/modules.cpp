@@ -37,7 +37,9 @@ ModuleTable& Modules() {
     return table;
 }
 
-bool RegisterEntry(ModuleHandle handle, ModuleEntry entry) { return Modules().Add({handle, entry, String()}); }
+bool RegisterEntry(ModuleHandle handle, ModuleEntry entry) {
+    return Modules().Add({handle, entry, String()});
+}
 
 bool LoadModuleFile(const String& path, String* reason) {
     const std::string file = Locate(path);
@@ -52,11 +54,12 @@ bool LoadModuleFile(const String& path, String* reason) {
     const auto entry = reinterpret_cast<ModuleEntry>(dlsym(library, kEntryName));
     if (entry && Modules().Add({library, entry, String::FromUtf8(file)})) return true;
     dlclose(library);
-    return Refuse(reason, path, entry ? L"the module refused to register" : L"not a module: it exports no K3DLLFunc");
+    return Refuse(reason, path,
+                  entry ? L"the module refused to register" : L"not a module: it exports no K3DLLFunc");
 }
 
 void RunPostLoadHooks(k3::Scene* scene, bool merged) {
-    static char mark;  // any address will do
+    static char mark;                                               // any address will do
     const std::vector<LoadedModule> modules = Modules().Modules();  // a hook may load a further module
     for (const LoadedModule& module : modules) {
         module.entry(ModuleCode::kPostLoad, scene, merged ? &mark : nullptr);

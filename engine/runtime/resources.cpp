@@ -21,7 +21,9 @@ void RegisterResource(ModuleHandle handle, const wchar_t* name, std::string_view
     Resources()[{handle, String(name)}] = std::make_shared<const std::string>(bytes);
 }
 
-bool RemoveResource(ModuleHandle handle, const String& name) { return Resources().erase({handle, name}) != 0; }
+bool RemoveResource(ModuleHandle handle, const String& name) {
+    return Resources().erase({handle, name}) != 0;
+}
 
 Counted<Stream> Stream::Create(void* handle, const wchar_t* name, int) {
     if (!name) return {};

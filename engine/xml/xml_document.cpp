@@ -13,7 +13,9 @@ const ClassRecord& Element::StaticClass() {
     return record;
 }
 
-void* Element::CastTo(const ClassRecord& wanted) { return CastThrough<Element, Extension>(this, wanted); }
+void* Element::CastTo(const ClassRecord& wanted) {
+    return CastThrough<Element, Extension>(this, wanted);
+}
 
 const Attribute* XmlElement::FindAttribute(const String& name) const {
     for (const XmlAttribute& attribute : attributes_) {
@@ -52,7 +54,9 @@ const ClassRecord& XmlElement::StaticClass() {
     return record;
 }
 
-void* XmlElement::CastTo(const ClassRecord& wanted) { return CastThrough<XmlElement, Element>(this, wanted); }
+void* XmlElement::CastTo(const ClassRecord& wanted) {
+    return CastThrough<XmlElement, Element>(this, wanted);
+}
 
 bool XmlDocument::IsTypeOf(const char* name) const {
     return EqualKeys(name, "qnxmldocument") || XmlElement::IsTypeOf(name);

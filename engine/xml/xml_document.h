@@ -17,8 +17,9 @@ private:
     String name_, value_;
 };
 
-/// One element. Names, its own and those of attributes, are kept without namespace prefix; namespace declarations are
-/// no attributes. `LoadFromStream` gives it the name, attributes and children of the parsed root.
+/// One element. Names, its own and those of attributes, are kept without namespace prefix; namespace
+/// declarations are no attributes. `LoadFromStream` gives it the name, attributes and children of the parsed
+/// root.
 class XmlElement : public Element {
 public:
     XmlElement() = default;
@@ -59,7 +60,8 @@ private:
     void Adopt(const Counted<XmlElement>& root) override;
 };
 
-/// The root element of a text in any encoding that XML knows; null, with the reason and byte offset, if it is not well formed.
+/// The root element of a text in any encoding that XML knows; null, with the reason and byte offset, if it is
+/// not well formed.
 Counted<XmlElement> ParseXml(std::string_view text, String* reason = nullptr);
 
 }  // namespace qn::xml

@@ -14,7 +14,9 @@ std::string_view WithoutPrefix(std::string_view name) {
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
-bool DeclaresNamespace(std::string_view name) { return name.substr(0, name.find(':')) == kNamespaceDeclaration; }
+bool DeclaresNamespace(std::string_view name) {
+    return name.substr(0, name.find(':')) == kNamespaceDeclaration;
+}
 
 Counted<XmlElement> Convert(const pugi::xml_node& node) {
     auto element = Make<XmlElement>(String::FromUtf8(WithoutPrefix(node.name())));
@@ -45,7 +47,8 @@ Counted<XmlElement> ConvertTree(const pugi::xml_node& top) {
 
 int CountRoots(const pugi::xml_document& document) {
     int roots = 0;
-    for (const pugi::xml_node& node : document.children()) roots += node.type() == pugi::node_element;
+    for (const pugi::xml_node& node : document.children())
+        roots += node.type() == pugi::node_element;
     return roots;
 }
 
