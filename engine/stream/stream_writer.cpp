@@ -1,0 +1,283 @@
+#include "engine/stream/stream_writer.h"
+
+#include "engine/stream/container.h"
+#include "engine/stream/limits.h"
+#include "engine/stream/object_factory.h"
+#include "frame/host/collections.h"
+#include "frame/host/object_writer.h"
+
+#include <limits>
+
+#include <fmt/format.h>
+
+namespace qn {
+namespace {
+
+namespace limits = scene_file_limits;
+using namespace scene_file;
+
+constexpr std::uint32_t kNoRecord = std::numeric_limits<std::uint32_t>::max();
+constexpr std::size_t kDeepestBody = 4;        // collections written at once inside each other
+constexpr std::uint32_t kCancelStep = 0x1000;  // objects between two looks at the context
+
+bool IsCollection(Interface* object) {
+    return Cast<VarMap>(object) || Cast<VarArray>(object);
+}
+
+bool CanBeWritten(Interface& object, const char* key) {
+    return key && *key && (FindObjectWriter(key) || Cast<ReferenceSource>(&object));
+}
+
+}  // namespace
+
+StreamWriter::StreamWriter(std::string name, Context& context, bool expandGenerated)
+    : name_(std::move(name)), context_(context), expandGenerated_(expandGenerated) {}
+
+StreamWriter::~StreamWriter() = default;
+
+std::string StreamWriter::Write(Interface& root) {
+    const std::uint32_t rootRecord = Register(root);
+    if (rootRecord == kNoRecord) {
+        FailWith(LoadFailure::kDefect, "nothing can write the root object");
+        return {};
+    }
+    if (!WriteBodies()) return {};
+    graph_.Resize(records_.size());
+    const auto order = OrderFrom(graph_, rootRecord);
+    PatchNumbers(order);
+    report_.objects = static_cast<std::uint32_t>(order.size());
+    return Assemble(order);
+}
+
+bool StreamWriter::WriteBodies() {
+    for (std::uint32_t record = 0; record < records_.size(); ++record) {
+        if (record % kCancelStep == 0 && context_.IsCancelled())
+            return FailWith(LoadFailure::kCancelled, "cancelled");
+        if (!records_[record].saved && !WriteBody(record)) return false;
+    }
+    return !failed_;
+}
+
+bool StreamWriter::WriteBody(std::uint32_t record) {
+    records_[record].saved = true;
+    if (openCount_ == open_.size()) open_.emplace_back();
+    Body& body = open_[openCount_++];
+    body.record = record;
+    const ResultEnum result = SaveObject(*objects_[record]);
+    if (!Succeeded(result))
+        FailWith(LoadFailure::kDefect, fmt::format("the object cannot be saved: result {}", ToInt(result)));
+    KeepBody(body);
+    --openCount_;
+    return !failed_;
+}
+
+ResultEnum StreamWriter::SaveObject(Interface& object) {
+    if (const ObjectWriter* writer = FindObjectWriter(object.GetInterfaceName()))
+        return writer->save(object, this, &context_);
+    return Cast<ReferenceSource>(&object)->Save(this, &context_);
+}
+
+void StreamWriter::KeepBody(Body& body) {
+    const std::size_t begin = bytes_.size();
+    Record& record = records_[body.record];
+    record.begin = begin;
+    record.length = static_cast<std::uint32_t>(body.bytes.size());
+    bytes_.append(body.bytes);
+    const std::size_t firstLink = places_.size();
+    for (const Link& link : body.links) {
+        places_.push_back(begin + link.place);
+        graph_.Targets().push_back(link.target);
+    }
+    graph_.SetTargets(body.record, firstLink, body.links.size());
+    for (const WeakLink& link : body.weakLinks)
+        weakLinks_.push_back({begin + link.place, link.target});
+    body.bytes.clear(), body.links.clear(), body.weakLinks.clear(), body.chunks.clear();
+}
+
+std::uint32_t StreamWriter::Register(Interface& object) {
+    if (const auto known = recordOf_.find(&object); known != recordOf_.end()) return known->second;
+    const char* key = StoredKeyOf(object);
+    if (!CanBeWritten(object, object.GetInterfaceName())) {
+        ++report_.unwritable[key && *key ? key : "(no class key)"];
+        return kNoRecord;
+    }
+    if (records_.size() >= limits::kMostObjects) {
+        FailWith(LoadFailure::kLimit, fmt::format("more than {} objects", limits::kMostObjects));
+        return kNoRecord;
+    }
+    const auto record = static_cast<std::uint32_t>(records_.size());
+    recordOf_.emplace(&object, record);
+    objects_.emplace_back(&object);
+    records_.push_back({0, 0, ClassNumberOf(key), false});
+    graph_.Resize(records_.size());
+    return record;
+}
+
+std::uint32_t StreamWriter::ClassNumberOf(const char* key) {
+    const auto [entry, isNew] = classNumberOf_.emplace(key, static_cast<std::uint32_t>(classKeys_.size()));
+    if (!isNew) return entry->second;
+    if (classKeys_.size() >= limits::kMostClasses || entry->first.size() > limits::kLongestClassKey)
+        FailWith(LoadFailure::kLimit, fmt::format("more than {} classes, or a key of more than {} letters",
+                                                  limits::kMostClasses, limits::kLongestClassKey));
+    classKeys_.emplace_back(key);
+    return entry->second;
+}
+
+bool StreamWriter::Append(const void* data, std::size_t size) {
+    if (failed_ || openCount_ == 0) return false;
+    std::string& bytes = open_[openCount_ - 1].bytes;
+    if (size > limits::kLargestBody - bytes.size())
+        return FailWith(LoadFailure::kLimit,
+                        fmt::format("an object of more than {} bytes", limits::kLargestBody));
+    bytes.append(static_cast<const char*>(data), size);
+    return true;
+}
+
+bool StreamWriter::BeginChunk(unsigned id) {
+    if (failed_ || openCount_ == 0) return false;
+    if (id > std::numeric_limits<std::uint16_t>::max())
+        return FailWith(LoadFailure::kDefect, fmt::format("chunk id {:#x} has more than 16 bits", id));
+    if (open_[openCount_ - 1].chunks.size() >= limits::kDeepestChunk)
+        return FailWith(LoadFailure::kLimit,
+                        fmt::format("chunks nested more than {} deep", limits::kDeepestChunk));
+    std::string header;
+    Put(header, static_cast<std::uint16_t>(id));
+    Put(header, std::uint32_t{0});  // the length, known at the end
+    if (!Append(header.data(), header.size())) return false;
+    Body& body = open_[openCount_ - 1];
+    body.chunks.push_back({body.bytes.size(), static_cast<int>(id)});
+    return true;
+}
+
+void StreamWriter::EndChunk() {
+    if (openCount_ == 0 || open_[openCount_ - 1].chunks.empty()) return;
+    Body& body = open_[openCount_ - 1];
+    const std::size_t begin = body.chunks.back().begin;
+    PutAt(body.bytes.data() + begin - sizeof(std::uint32_t),
+          static_cast<std::uint32_t>(body.bytes.size() - begin));
+    body.chunks.pop_back();
+}
+
+bool StreamWriter::WriteData(const void* data, int itemSize, int count) {
+    if (itemSize < 0 || count < 0) return FailWith(LoadFailure::kDefect, "a negative size");
+    if (itemSize == 0 || count == 0) return !failed_ && openCount_ != 0;
+    return Append(data, static_cast<std::size_t>(itemSize) * static_cast<std::size_t>(count));
+}
+
+bool StreamWriter::WriteInt(int value) {
+    return Append(&value, sizeof value);
+}
+
+std::uint32_t StreamWriter::WriteNumberOf(Interface* object) {
+    const std::uint32_t target = object ? Register(*object) : kNoRecord;
+    Body& body = open_[openCount_ - 1];
+    if (target != kNoRecord) body.links.push_back({body.bytes.size(), target});
+    const std::uint32_t unset = 0;
+    Append(&unset, sizeof unset);
+    return target;
+}
+
+bool StreamWriter::WriteObjectChunk(Interface* object, Context*, int id) {
+    if (!BeginChunk(static_cast<unsigned>(id))) return false;
+    const std::uint32_t record = WriteNumberOf(object);
+    EndChunk();
+    if (failed_ || record == kNoRecord || records_[record].saved) return !failed_;
+    return !IsCollection(object) || openCount_ >= kDeepestBody || WriteBody(record);
+}
+
+bool StreamWriter::WriteObjectNumber(Interface* object, Context*, bool weak) {
+    if (failed_ || openCount_ == 0) return false;
+    if (!weak || !object) {
+        WriteNumberOf(object);
+        return !failed_;
+    }
+    Body& body = open_[openCount_ - 1];
+    body.weakLinks.push_back({body.bytes.size(), object});
+    weakTargets_.emplace_back(object);
+    const std::uint32_t unset = 0;
+    return Append(&unset, sizeof unset);
+}
+
+void StreamWriter::PatchNumbers(const std::vector<std::uint32_t>& order) {
+    std::vector<std::uint32_t> numberOf(records_.size());
+    for (std::uint32_t i = 0; i < order.size(); ++i)
+        numberOf[order[i]] = i + 1;
+    const auto& targets = graph_.Targets();
+    for (std::size_t i = 0; i < places_.size(); ++i)
+        PutAt(bytes_.data() + places_[i], numberOf[targets[i]]);
+    for (const WeakLink& link : weakLinks_)
+        if (const auto known = recordOf_.find(link.target); known != recordOf_.end())
+            PutAt(bytes_.data() + link.place, numberOf[known->second]);
+}
+
+std::string StreamWriter::Assemble(const std::vector<std::uint32_t>& order) {
+    std::vector<std::uint32_t> classOf(classKeys_.size(), kNoRecord);
+    std::uint32_t classCount = 0;
+    std::string classes, index, block, blocks;
+    std::vector<BlockRow> bodyRows;
+    const auto flush = [&] {
+        if (!block.empty()) bodyRows.push_back(PackBlock(BlockKind::kBodies, block, blocks));
+        block.clear();
+    };
+    for (const std::uint32_t number : order) {
+        const Record& record = records_[number];
+        std::uint32_t& classNumber = classOf[record.classNumber];
+        if (classNumber == kNoRecord) {
+            const std::string& key = classKeys_[record.classNumber];
+            Put(classes, static_cast<std::uint16_t>(key.size()));
+            classes.append(key);
+            classNumber = classCount++;
+        }
+        Put(index, static_cast<std::uint16_t>(classNumber));
+        Put(index, record.length);
+        if (record.length > kBlockSize) flush();
+        block.append(bytes_, record.begin, record.length);
+        if (block.size() >= kBlockSize) flush();
+    }
+    flush();
+
+    std::string head;
+    std::vector<BlockRow> rows{PackBlock(BlockKind::kClasses, classes, head),
+                               PackBlock(BlockKind::kIndex, index, head)};
+    rows.insert(rows.end(), bodyRows.begin(), bodyRows.end());
+    const auto count = static_cast<std::uint32_t>(order.size());
+    return WriteContainer(rows, head.append(blocks), count, classCount, count);
+}
+
+int StreamWriter::GetChunkId() const {
+    if (openCount_ == 0 || open_[openCount_ - 1].chunks.empty()) return 0;
+    return open_[openCount_ - 1].chunks.back().id;
+}
+
+bool StreamWriter::ReadInt(int& value) {
+    value = 0;
+    return false;
+}
+
+bool StreamWriter::Fail(const String& text) {
+    return FailWith(LoadFailure::kDefect, text.ToUtf8());
+}
+
+bool StreamWriter::FailWith(LoadFailure kind, const std::string& cause) {
+    if (failed_) return false;
+    failed_ = true;
+    std::string text = name_ + ": ";
+    if (openCount_ != 0) {
+        if (const int id = GetChunkId()) text += fmt::format("chunk {:#x} of ", id);
+        text += fmt::format("an object of class {}: ",
+                            objects_[open_[openCount_ - 1].record]->GetInterfaceName());
+    }
+    context_.Fail(kind, String::FromUtf8(text + cause));
+    return false;
+}
+
+const ClassRecord& StreamWriter::StaticClass() {
+    static const ClassRecord& record = InternClass("qn::StreamWriter");
+    return record;
+}
+
+void* StreamWriter::CastTo(const ClassRecord& wanted) {
+    return CastThrough<StreamWriter, Stream>(this, wanted);
+}
+
+}  // namespace qn

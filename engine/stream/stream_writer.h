@@ -1,0 +1,111 @@
+#pragma once
+
+#include "engine/stream/load_report.h"
+#include "engine/stream/record_order.h"
+#include "frame/host/context.h"
+#include "frame/host/stream.h"
+
+#include <deque>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace qn {
+
+/// Writes a graph of objects: each once, named by number. Bodies are written one after the other from a list
+/// of work, never inside each other, so depth costs nothing. A map or array that a class hands to
+/// `WriteObjectChunk` is written as it is at that moment, for classes change such a collection for the time
+/// of the call.
+class StreamWriter final : public Stream {
+public:
+    StreamWriter(std::string name, Context& context, bool expandGenerated);
+    ~StreamWriter() override;
+
+    /// The file with everything that `root` reaches; empty text after a failure, which is in the context.
+    std::string Write(Interface& root);
+    /// Whether nodes that a generator made are to be stored, too.
+    bool ExpandsGenerated() const { return expandGenerated_; }
+    const SaveReport& GetReport() const { return report_; }
+
+    bool BeginChunk(unsigned id) override;
+    void EndChunk() override;
+    bool WriteData(const void* data, int itemSize, int count) override;
+    bool WriteInt(int value) override;
+    bool WriteObjectChunk(Interface* object, Context* context, int id) override;
+    bool WriteObjectNumber(Interface* object, Context* context, bool weak) override;
+    bool NextChunk() override { return false; }
+    int GetChunkId() const override;
+    int ReadData(void*, int, int) override { return 0; }
+    bool ReadInt(int& value) override;
+    std::size_t Remaining() const override { return 0; }
+    Counted<Interface> ReadObject(Context*) override { return {}; }
+    Counted<Interface> ReadObjectNumber(Context*) override { return {}; }
+    bool Fail(const String& text) override;
+    bool HasFailed() const override { return failed_; }
+
+    static const ClassRecord& StaticClass();
+    void* CastTo(const ClassRecord& wanted) override;
+
+private:
+    struct Record {
+        std::size_t begin = 0;  // of the body in bytes_
+        std::uint32_t length = 0;
+        std::uint32_t classNumber = 0;
+        bool saved = false;
+    };
+    struct Link {
+        std::size_t place;  // of a number: in the body while that is written, then in bytes_
+        std::uint32_t target;
+    };
+    struct WeakLink {
+        std::size_t place;
+        Interface* target;
+    };
+    struct OpenChunk {
+        std::size_t begin;  // of the payload
+        int id;
+    };
+    /// A body that is being written.
+    struct Body {
+        std::uint32_t record = 0;
+        std::string bytes;
+        std::vector<Link> links;
+        std::vector<WeakLink> weakLinks;
+        std::vector<OpenChunk> chunks;
+    };
+
+    bool FailWith(LoadFailure kind, const std::string& cause);
+    bool Append(const void* data, std::size_t size);
+    std::uint32_t Register(Interface& object);
+    std::uint32_t ClassNumberOf(const char* key);
+    bool WriteBodies();
+    bool WriteBody(std::uint32_t record);
+    ResultEnum SaveObject(Interface& object);
+    void KeepBody(Body& body);
+    /// Writes the number of the object's record, which is made on demand; gives the record, kNoRecord for
+    /// null.
+    std::uint32_t WriteNumberOf(Interface* object);
+    void PatchNumbers(const std::vector<std::uint32_t>& order);
+    std::string Assemble(const std::vector<std::uint32_t>& order);
+
+    const std::string name_;
+    Context& context_;
+    const bool expandGenerated_;
+    bool failed_ = false;
+    SaveReport report_;
+
+    std::deque<Body> open_;  // bodies in work, the outermost first; kept for their memory
+    std::size_t openCount_ = 0;
+    std::string bytes_;  // finished bodies
+    std::vector<Record> records_;
+    std::vector<Counted<Interface>> objects_;      // beside records_
+    std::vector<Counted<Interface>> weakTargets_;  // so that no address is used twice
+    std::unordered_map<const Interface*, std::uint32_t> recordOf_;
+    scene_file::ReferenceGraph graph_;
+    std::vector<std::size_t> places_;  // of the numbers, beside the graph's targets
+    std::vector<WeakLink> weakLinks_;
+    std::vector<std::string> classKeys_;
+    std::unordered_map<std::string, std::uint32_t> classNumberOf_;
+};
+
+}  // namespace qn
