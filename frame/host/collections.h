@@ -16,12 +16,14 @@ public:
     VarMap();
     ~VarMap() override;
 
-    int GetCount() const noexcept { return static_cast<int>(rows_.size()); }
-    const Var& KeyAt(int position) const { return rows_[static_cast<std::size_t>(position)].key; }
-    const Var& ValueAt(int position) const { return rows_[static_cast<std::size_t>(position)].value; }
-    Var& ValueAt(int position) { return rows_[static_cast<std::size_t>(position)].value; }
+    int GetCount() const noexcept { return static_cast<int>(rows_.size()) - holes_; }
+    const Var& KeyAt(int position) const { return RowAt(position).key; }
+    const Var& ValueAt(int position) const { return RowAt(position).value; }
+    Var& ValueAt(int position) { return RowAt(position).value; }
     const Var* Lookup(const Var& key) const;
     Var* Lookup(const Var& key);
+    /// `Lookup` of a text key, without making a value of it.
+    const Var* LookupText(std::wstring_view key) const;
     const Var* Lookup(int key) const;
     Var* Lookup(int key);
     Var& At(const Var& key);
@@ -46,10 +48,19 @@ private:
         Var value;
     };
     struct Index;
+    friend class ValueCopier;
+    Row& RowAt(int position) const {
+        if (holes_) Compact();
+        return rows_[static_cast<std::size_t>(position)];
+    }
     int Find(const Var& key) const;
     Var& Append(const Var& key);
-    void DropIndex();
-    std::vector<Row> rows_;
+    void Compact() const;
+    void CopyRowsFrom(const VarMap& source);
+
+    // Removing from the middle of a large map leaves a hole; the next call of another kind closes all of them at once.
+    mutable std::vector<Row> rows_;
+    mutable int holes_ = 0;
     mutable std::unique_ptr<Index> index_;
 };
 
@@ -84,6 +95,7 @@ public:
     void* CastTo(const ClassRecord& wanted) override;
 
 private:
+    friend class ValueCopier;
     std::vector<Var> values_;
 };
 

@@ -76,6 +76,7 @@ public:
 private:
     friend class Var;
     bool Equals(const String& other) const noexcept;
+    void Append(std::wstring_view tail);
     TextBody* body_ = nullptr;  // null is the empty text
 };
 

@@ -70,7 +70,13 @@ public:
         Var copy(other);
         return *this = static_cast<Var&&>(copy);
     }
-    Var& operator=(Var&& other) noexcept;
+    Var& operator=(Var&& other) noexcept {
+        if (this == &other) return *this;
+        const Var old(static_cast<Var&&>(*this));  // dropped last: it may own `other`
+        payload_ = other.payload_, flags_ = other.flags_, tag_ = other.tag_, weak_ = other.weak_;
+        other.tag_ = VarTag::kEmpty, other.weak_ = 0, other.flags_ = 0;
+        return *this;
+    }
     ~Var() {
         if (tag_ >= VarTag::kText && tag_ != VarTag::kBool) Drop();
     }
@@ -154,6 +160,7 @@ public:
     bool Load(Stream* stream, Context* context);
 
 private:
+    friend struct VarAccess;  // engine private
     void Retain() noexcept;
     void Drop() noexcept;
 
