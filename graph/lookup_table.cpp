@@ -10,7 +10,9 @@ constexpr const wchar_t* kIdDelimiter = L"_";
 
 }  // namespace
 
-LookupTableImpl::LookupTableImpl() { nameGenerator.SetCurrentDelimiter(kIdDelimiter); }
+LookupTableImpl::LookupTableImpl() {
+    nameGenerator.SetCurrentDelimiter(kIdDelimiter);
+}
 
 LookupTableImpl::~LookupTableImpl() = default;
 
@@ -38,8 +40,10 @@ void LookupTableImpl::Rebuild() {
     const auto factory = api ? api->Create(ClassKey::kHierarchyFactory) : Counted<Interface>();
     auto* instancing = Cast<NodeInstancing>(factory.Get());
     if (!instancing) return;
-    for (Counted<k3::Node> node(root->GetFirstChild()); node; node = Counted<k3::Node>(node->GetNextSibling()))
-        instancing->CreateReferenceFromNodeWithMaps(node.Get(), this, String(), nodeToInstance, instanceToNodes);
+    for (Counted<k3::Node> node(root->GetFirstChild()); node;
+         node = Counted<k3::Node>(node->GetNextSibling()))
+        instancing->CreateReferenceFromNodeWithMaps(node.Get(), this, String(), nodeToInstance,
+                                                    instanceToNodes);
 }
 
 bool LookupTableImpl::IsSelectorPathValid(const Selector& selector) {

@@ -17,7 +17,9 @@ Counted<T> FindIn(const TextIndex<T>& index, const String& text) {
     return found == index.end() ? Counted<T>() : found->second;
 }
 
-String LocalIdOf(const HierarchyElement& element) { return element.GetProperty(Prop::kLocalId, 0).ToText(); }
+String LocalIdOf(const HierarchyElement& element) {
+    return element.GetProperty(Prop::kLocalId, 0).ToText();
+}
 
 /// What a copy does not take over: it is another element, with ids of its own.
 bool IsLeftOutOfCopies(PropEnum id) {
@@ -44,7 +46,8 @@ Counted<Reference> LookupTableImpl::GetOrCreateReference(const String& id) {
 }
 
 Counted<Reference> LookupTableImpl::CreateReferenceFrom(Reference* source, const String& id) {
-    const Counted<Reference> reference = source ? Make<ReferenceImpl>(source, this) : Counted<ReferenceImpl>();
+    const Counted<Reference> reference =
+        source ? Make<ReferenceImpl>(source, this) : Counted<ReferenceImpl>();
     if (!reference) return nullptr;
     reference->SetTarget(source->GetTarget());
     for (int property = kFirstProp; property <= kLastProp; ++property)
@@ -79,13 +82,21 @@ Counted<Reference> LookupTableImpl::GetOrCreateBsReference(const String& id, con
     return reference;
 }
 
-Counted<Reference> LookupTableImpl::FindReferenceById(const String& id) { return FindIn(referencesById, id); }
+Counted<Reference> LookupTableImpl::FindReferenceById(const String& id) {
+    return FindIn(referencesById, id);
+}
 
-Counted<Instance> LookupTableImpl::FindInstanceById(const String& id) { return FindIn(instancesById, id); }
+Counted<Instance> LookupTableImpl::FindInstanceById(const String& id) {
+    return FindIn(instancesById, id);
+}
 
-Counted<Reference> LookupTableImpl::FindReferenceByBsId(const String& bsId) { return FindIn(referencesByBsId, bsId); }
+Counted<Reference> LookupTableImpl::FindReferenceByBsId(const String& bsId) {
+    return FindIn(referencesByBsId, bsId);
+}
 
-Counted<Instance> LookupTableImpl::FindInstanceByBsId(const String& bsId) { return FindIn(instancesByBsId, bsId); }
+Counted<Instance> LookupTableImpl::FindInstanceByBsId(const String& bsId) {
+    return FindIn(instancesByBsId, bsId);
+}
 
 // The four registrations differ in what makes them write an index or the pool, and keep these differences.
 
@@ -96,7 +107,8 @@ void LookupTableImpl::RegisterInstanceWithBsId(Instance* instance) {
         instances.insert(counted);
         instancesByBsId[bsId.ToText()] = counted;
     }
-    if (const Var id = instance->GetProperty(Prop::kLocalId, 0); id.IsSet()) instancesById[id.ToText()] = counted;
+    if (const Var id = instance->GetProperty(Prop::kLocalId, 0); id.IsSet())
+        instancesById[id.ToText()] = counted;
 }
 
 void LookupTableImpl::RegisterReferenceWithBsId(Reference* reference) {
@@ -129,10 +141,16 @@ void LookupTableImpl::PushIdPrefix(HierarchyElement* element) {
     if (element) nameGenerator.PushPrefix(LocalIdOf(*element).c_str());
 }
 
-String LookupTableImpl::GenerateEntityId() { return nameGenerator.GetNext(kEntityFamily); }
+String LookupTableImpl::GenerateEntityId() {
+    return nameGenerator.GetNext(kEntityFamily);
+}
 
-String LookupTableImpl::GenerateNodeId() { return nameGenerator.GetNext(kNodeFamily); }
+String LookupTableImpl::GenerateNodeId() {
+    return nameGenerator.GetNext(kNodeFamily);
+}
 
-String LookupTableImpl::GenerateSelectorId() { return nameGenerator.GetNext(kSelectorFamily); }
+String LookupTableImpl::GenerateSelectorId() {
+    return nameGenerator.GetNext(kSelectorFamily);
+}
 
 }  // namespace qn::graph

@@ -20,7 +20,8 @@
 
 namespace qn::graph {
 
-/// Elements by text. A null value counts as absent, but shows that the text was asked for. Never walked, so unordered.
+/// Elements by text. A null value counts as absent, but shows that the text was asked for. Never walked, so
+/// unordered.
 template <class T>
 using TextIndex = std::unordered_map<String, Counted<T>>;
 /// Membership only, so unordered.
@@ -30,7 +31,8 @@ using ElementPool = std::unordered_set<Counted<T>>;
 template <class T>
 using ElementSet = std::set<Counted<T>, CountedLess<T>>;
 
-/// The fields are shared state of the table, the elements, the factory and the traverser, and so are open to them.
+/// The fields are shared state of the table, the elements, the factory and the traverser, and so are open to
+/// them.
 class LookupTableImpl final : public LookupTable {
 public:
     LookupTableImpl();
@@ -110,21 +112,24 @@ public:
     ElementPool<Reference> references;
     TextIndex<Instance> instancesById;    ///< by property 0x0f
     TextIndex<Reference> referencesById;  ///< by property 0x0f
-    std::unordered_map<String, String> selectorOwners;  ///< selector id to the id of the instance that carries it
+    std::unordered_map<String, String>
+        selectorOwners;                     ///< selector id to the id of the instance that carries it
     TextIndex<Instance> instancesByBsId;    ///< by parameter 0x9e
     TextIndex<Reference> referencesByBsId;  ///< by parameter 0x9e
     NodeToInstance nodeToInstance;
     InstanceToNodes instanceToNodes;
     TextIndex<PersistentSelector> selectorsById;  ///< by full id; null remembers that there is none
     qfxml::NameGenerator nameGenerator;
-    WatchedMap<k3::Layer, ElementSet<Instance>> layerMembers;       ///< waits for `ApplyPendingBindings`
-    WatchedMap<k3::Viewport, Weak<Reference>> viewportTargets;      ///< waits for `ApplyPendingBindings`
-    ElementSet<Reference> loadedReferences;                         ///< what file loads brought
+    WatchedMap<k3::Layer, ElementSet<Instance>> layerMembers;   ///< waits for `ApplyPendingBindings`
+    WatchedMap<k3::Viewport, Weak<Reference>> viewportTargets;  ///< waits for `ApplyPendingBindings`
+    ElementSet<Reference> loadedReferences;                     ///< what file loads brought
     std::set<String> allowedIds;
     std::set<String> allowedPaths;
     bool filterActive = false;
-    WatchedMap<k3::Layer, Counted<Reference>> layerReferences;  ///< layers whose member is a loaded file's root
-    Counted<Reference> loadPlaceholder;  ///< empty reference that the next file load fills, though its server id is known
+    WatchedMap<k3::Layer, Counted<Reference>>
+        layerReferences;  ///< layers whose member is a loaded file's root
+    Counted<Reference>
+        loadPlaceholder;  ///< empty reference that the next file load fills, though its server id is known
 };
 
 }  // namespace qn::graph

@@ -9,7 +9,8 @@ namespace {
 
 constexpr const wchar_t* kPrefixDelimiter = L"_";
 
-/// The instance under the last id of a path; an unknown id stays in the index with a null. Null if it is no `InstanceImpl`.
+/// The instance under the last id of a path; an unknown id stays in the index with a null. Null if it is no
+/// `InstanceImpl`.
 InstanceImpl* LastInstance(TextIndex<Instance>& instancesById, const VarArray& ids) {
     return Cast<InstanceImpl>(instancesById[ids.Get(ids.GetCount() - 1).ToText()].Get());
 }
@@ -20,7 +21,9 @@ const VarArray* AsPath(const Var& ids) {
     return array && array->GetCount() != 0 ? array : nullptr;
 }
 
-String WithPrefix(const String& prefix, const String& id) { return prefix + kPrefixDelimiter + id; }
+String WithPrefix(const String& prefix, const String& id) {
+    return prefix + kPrefixDelimiter + id;
+}
 
 Var PathWithPrefix(const String& prefix, const VarArray& ids) {
     const auto prefixed = VarArray::Create(ids.GetCount());

@@ -7,7 +7,8 @@ namespace qn::graph {
 
 namespace {
 
-/// Out of order members wait until they are as many as this, and as those in order: sorting then costs little each.
+/// Out of order members wait until they are as many as this, and as those in order: sorting then costs little
+/// each.
 constexpr std::size_t kUnsortedAtMost = 64;
 
 }  // namespace
@@ -44,9 +45,9 @@ void NodeSet::Add(k3::Node* node) {
         return;
     }
     const auto end = members_.begin() + static_cast<std::ptrdiff_t>(sorted_);
-    const auto place = std::lower_bound(members_.begin(), end, node, [&](const Member& member, const k3::Node* wanted) {
-        return before(member.address, wanted);
-    });
+    const auto place = std::lower_bound(
+        members_.begin(), end, node,
+        [&](const Member& member, const k3::Node* wanted) { return before(member.address, wanted); });
     if (place != end && place->address == node) {
         if (!place->watch) place->watch = Weak<k3::Node>(node);
         return;
@@ -61,9 +62,9 @@ void NodeSet::Sort() const {
         return std::less<const k3::Node*>()(left.address, right.address);
     });
     // Of those at one address the last one came last: it replaces the others.
-    const auto last = std::unique(members_.rbegin(), members_.rend(), [](const Member& left, const Member& right) {
-        return left.address == right.address;
-    });
+    const auto last =
+        std::unique(members_.rbegin(), members_.rend(),
+                    [](const Member& left, const Member& right) { return left.address == right.address; });
     members_.erase(members_.begin(), last.base());
     sorted_ = members_.size();
 }

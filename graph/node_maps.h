@@ -12,8 +12,8 @@
 
 namespace qn::graph {
 
-/// One instance per node. Nodes are not counted: a dead node's entry counts as absent, and an entry for a new node at its
-/// address replaces it.
+/// One instance per node. Nodes are not counted: a dead node's entry counts as absent, and an entry for a new
+/// node at its address replaces it.
 class NodeToInstance {
 public:
     /// Borrowed, or null.
@@ -27,7 +27,8 @@ public:
     /// Live entries in address order: `visit(Node*, Instance*)`. The visitor may change the map.
     template <class Visit>
     void ForEach(Visit&& visit) const {
-        for (const auto& [node, instance] : Sorted()) visit(node.Get(), instance.Get());
+        for (const auto& [node, instance] : Sorted())
+            visit(node.Get(), instance.Get());
     }
 
 private:
@@ -55,7 +56,8 @@ private:
     };
     void Sort() const;
 
-    // Nodes mostly come in rising order: they are appended, and what came out of order is sorted in when needed.
+    // Nodes mostly come in rising order: they are appended, and what came out of order is sorted in when
+    // needed.
     mutable std::vector<Member> members_;
     mutable std::size_t sorted_ = 0;  // so many from the start are in order, without doubles
 };

@@ -10,8 +10,9 @@ class NodeToInstance;
 /// The instance that a node carries in its parameter, counted, or null.
 Counted<Instance> InstanceCarriedBy(const k3::Node* node);
 
-/// The node at the end of the selector's path when `start` stands for its first element, borrowed, or null. Instances are
-/// those that the nodes carry. Each step takes the first child that shows the next element; later siblings are not tried.
+/// The node at the end of the selector's path when `start` stands for its first element, borrowed, or null.
+/// Instances are those that the nodes carry. Each step takes the first child that shows the next element;
+/// later siblings are not tried.
 k3::Node* MatchPath(k3::Node* start, const Selector& selector);
 
 /// The same with the instances of a map; nodes without entry match nothing.

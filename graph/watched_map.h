@@ -21,8 +21,8 @@ struct CountedLess {
     }
 };
 
-/// Values by object, in address order. The objects are not counted: the entry of a dead one counts as absent, and an
-/// entry for a new object at its address replaces it.
+/// Values by object, in address order. The objects are not counted: the entry of a dead one counts as absent,
+/// and an entry for a new object at its address replaces it.
 template <class T, class Value>
 class WatchedMap {
 public:
