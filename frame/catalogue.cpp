@@ -43,9 +43,13 @@ constexpr CreationRow kCreationOrder[] = {
 
 }  // namespace
 
-std::span<const CatalogueRow> Catalogue() { return kCatalogue; }
+std::span<const CatalogueRow> Catalogue() {
+    return kCatalogue;
+}
 
-std::span<const CreationRow> CreationOrder() { return kCreationOrder; }
+std::span<const CreationRow> CreationOrder() {
+    return kCreationOrder;
+}
 
 void RegisterCatalogue(ModuleHandle handle) {
     if (!api) return;

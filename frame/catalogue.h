@@ -9,8 +9,8 @@ namespace qn::frame {
 /// One class as the host gets to know it.
 struct CatalogueRow {
     const char* key;
-    const char* displayName;         ///< source text, translated at registration
-    unsigned registrationValue;      ///< passed on; the host gives it its meaning
+    const char* displayName;     ///< source text, translated at registration
+    unsigned registrationValue;  ///< passed on; the host gives it its meaning
 };
 
 /// One key that can be created, with its maker.

@@ -29,7 +29,9 @@ std::uintptr_t SceneLoaded(void* scene, void* merged) {
     return kDone;
 }
 
-std::uintptr_t InterfaceVersion(void*, void*) { return kInterfaceVersion; }
+std::uintptr_t InterfaceVersion(void*, void*) {
+    return kInterfaceVersion;
+}
 
 std::uintptr_t CopyText(const String& text, void* buffer, void* capacity) {
     const auto size = reinterpret_cast<std::uintptr_t>(capacity);
@@ -43,7 +45,8 @@ std::uintptr_t VersionText(void* buffer, void* capacity) {
 }
 
 std::uintptr_t Description(void* buffer, void* capacity) {
-    return CopyText(Translate(kTranslationCatalogue, kDescription, "XTXT: plugin info", -1), buffer, capacity);
+    return CopyText(Translate(kTranslationCatalogue, kDescription, "XTXT: plugin info", -1), buffer,
+                    capacity);
 }
 
 std::uintptr_t Identifier(void* buffer, void*) {
@@ -73,7 +76,8 @@ constexpr CommandRow kCommands[] = {
 }  // namespace
 }  // namespace qn::frame
 
-extern "C" __attribute__((visibility("default"))) std::uintptr_t K3DLLFunc(unsigned code, void* first, void* second) {
+extern "C" __attribute__((visibility("default"))) std::uintptr_t K3DLLFunc(unsigned code, void* first,
+                                                                           void* second) {
     using namespace qn::frame;
     try {
         for (const CommandRow& row : kCommands)

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// The one exported function: `code` chooses the command, `first` and `second` are its arguments. Never throws; 0 for a
-/// command that is not in the table.
+/// The one exported function: `code` chooses the command, `first` and `second` are its arguments. Never
+/// throws; 0 for a command that is not in the table.
 extern "C" std::uintptr_t K3DLLFunc(unsigned code, void* first, void* second);
 
 namespace qn::frame {

@@ -7,8 +7,12 @@ ModuleHandle moduleHandle = nullptr;
 
 }  // namespace
 
-ModuleHandle GetModuleHandle() { return moduleHandle; }
+ModuleHandle GetModuleHandle() {
+    return moduleHandle;
+}
 
-void SetModuleHandle(ModuleHandle handle) { moduleHandle = handle; }
+void SetModuleHandle(ModuleHandle handle) {
+    moduleHandle = handle;
+}
 
 }  // namespace qn::frame

@@ -20,12 +20,16 @@ constexpr const wchar_t* kJobKey = L"isqnjob";
 
 constexpr const char* kLoadTitle = "File Validation Issue";
 constexpr const char* kLoadText =
-    "Issues were found and repaired in the scene hierarchy when loading the file. However, some CAD metadata may "
-    "have been lost.\nIf this came from a CAD file, please reimport it with the 'Import Mode' option set to Asset.";
+    "Issues were found and repaired in the scene hierarchy when loading the file. However, some CAD metadata "
+    "may "
+    "have been lost.\nIf this came from a CAD file, please reimport it with the 'Import Mode' option set to "
+    "Asset.";
 constexpr const char* kMergeTitle = "File Merge Issue";
 constexpr const char* kMergeText =
-    "The file you are trying to merge has issues with scene hierarchy. %1 has repaired the inbound data, however some "
-    "of it's CAD metadata may be lost. If the inbound file was a CAD file, please undo the merge and merge it again "
+    "The file you are trying to merge has issues with scene hierarchy. %1 has repaired the inbound data, "
+    "however some "
+    "of it's CAD metadata may be lost. If the inbound file was a CAD file, please undo the merge and merge "
+    "it again "
     "with the 'Import Mode' option set to Asset.";
 
 bool IsJob() {
@@ -36,7 +40,8 @@ bool IsJob() {
 }
 
 void ShowWarning(bool merged) {
-    const String caption = Translate(kTranslationCatalogue, merged ? kMergeTitle : kLoadTitle, kTitleKind, -1);
+    const String caption =
+        Translate(kTranslationCatalogue, merged ? kMergeTitle : kLoadTitle, kTitleKind, -1);
     String text = Translate(kTranslationCatalogue, merged ? kMergeText : kLoadText, kTextKind, -1);
     if (merged) text = text.Arg(api->GetProductName(), 0, L' ');
     api->ShowMessageBox(api->GetMainWindow(0), text, caption, kBlockingWarning);

@@ -20,7 +20,8 @@ struct Options {
 constexpr const char* kExamples =
     "Examples:\n"
     "  assembly convert bracket.stp bracket.qn                     with geometry\n"
-    "  assembly convert --structure-only bracket.stp bracket.qn    definitions, uses, names and places alone\n"
+    "  assembly convert --structure-only bracket.stp bracket.qn    definitions, uses, names and places "
+    "alone\n"
     "  assembly convert --expand bracket.stp bracket.qn            stores a node for each occurrence, too\n\n"
     "Imports a file, builds its hierarchy and saves it as a scene file.";
 
@@ -40,9 +41,9 @@ void Run(const Options& options) {
     Session session;
     const auto scene = session.Load(options.load);
     if (options.expand) GenerateNodes(*scene, session.GetContext());
-    qn::stream::SaveOptions save;
+    qn::SceneSaveOptions save;
     save.expand = options.expand;
-    if (!qn::stream::SaveSceneFile(*scene, qn::String::FromUtf8(options.output), session.GetContext(), save))
+    if (!qn::SaveSceneFile(*scene, qn::String::FromUtf8(options.output), session.GetContext(), save))
         throw Failure(ExitCode::kNotWritten, session.FailureText(options.output, "could not be written"));
 }
 
@@ -56,7 +57,8 @@ void AddConvert(CLI::App& app) {
     verb->add_option("OUT", options->output, "scene file to write (.qn)")->required();
     verb->add_flag("--expand", options->expand, "Store a node for each occurrence, too");
     verb->add_flag("--structure-only", options->load.structureOnly, "Read no geometry");
-    verb->add_option("--tolerance", options->load.tolerance, "Greatest distance of facets to the surface, mm (by size)")
+    verb->add_option("--tolerance", options->load.tolerance,
+                     "Greatest distance of facets to the surface, mm (by size)")
         ->check(CLI::PositiveNumber);
     verb->callback([options] { Run(*options); });
 }

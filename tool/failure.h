@@ -23,11 +23,16 @@ constexpr ExitCode CodeOf(qn::LoadFailure failure) {
     switch (failure) {
         case qn::LoadFailure::kNone:
         case qn::LoadFailure::kUnreadable:
-        case qn::LoadFailure::kMalformed: return ExitCode::kUnreadable;
-        case qn::LoadFailure::kLimit: return ExitCode::kLimit;
-        case qn::LoadFailure::kMissing: return ExitCode::kFileMissing;
-        case qn::LoadFailure::kCancelled: return ExitCode::kCancelled;
-        case qn::LoadFailure::kDefect: return ExitCode::kDefect;
+        case qn::LoadFailure::kMalformed:
+            return ExitCode::kUnreadable;
+        case qn::LoadFailure::kLimit:
+            return ExitCode::kLimit;
+        case qn::LoadFailure::kMissing:
+            return ExitCode::kFileMissing;
+        case qn::LoadFailure::kCancelled:
+            return ExitCode::kCancelled;
+        case qn::LoadFailure::kDefect:
+            return ExitCode::kDefect;
     }
     return ExitCode::kDefect;
 }

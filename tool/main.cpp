@@ -27,9 +27,11 @@ int main(int argc, char** argv) {
     CLI::App app("Reads CAD assemblies as definitions, uses and occurrences.", "assembly");
     app.set_version_flag("--version", assembly::tool::kVersion);
     app.require_subcommand(1);
-    app.footer("\nassembly VERB --help shows examples of each verb.\n"
-               "Exit codes: 0 fine, 1 findings, 2 usage, 3 input unreadable, 4 output not written, 5 a file is missing,\n"
-               "6 conflicts, 7 a limit was exceeded, 8 cancelled, 70 a defect of this program.");
+    app.footer(
+        "\nassembly VERB --help shows examples of each verb.\n"
+        "Exit codes: 0 fine, 1 findings, 2 usage, 3 input unreadable, 4 output not written, 5 a file is "
+        "missing,\n"
+        "6 conflicts, 7 a limit was exceeded, 8 cancelled, 70 a defect of this program.");
     assembly::tool::AddShow(app);
     assembly::tool::AddStats(app);
     assembly::tool::AddConvert(app);

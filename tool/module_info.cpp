@@ -44,7 +44,8 @@ std::string AskIdentifier(const qn::LoadedModule& module) {
 
 ModuleInfo Ask(const qn::LoadedModule& module) {
     ModuleInfo info;
-    info.interfaceVersion = static_cast<unsigned>(module.entry(qn::ModuleCode::kInterfaceVersion, nullptr, nullptr));
+    info.interfaceVersion =
+        static_cast<unsigned>(module.entry(qn::ModuleCode::kInterfaceVersion, nullptr, nullptr));
     info.version = AskText(module, qn::ModuleCode::kVersionText);
     info.description = AskText(module, qn::ModuleCode::kDescription);
     info.identifier = AskIdentifier(module);
@@ -66,11 +67,13 @@ void WriteTable(Output& output, const ModuleInfo& info) {
     output.Line("identifier         " + info.identifier);
     output.Line();
     std::size_t width = 0;
-    for (const auto* row : info.classes) width = std::max(width, row->key.size());
+    for (const auto* row : info.classes)
+        width = std::max(width, row->key.size());
     for (const auto* row : info.classes) {
         std::string value = Hex(row->value);
         value.resize(12, ' ');
-        output.Line(row->key + std::string(width + 2 - row->key.size(), ' ') + value + row->displayName.ToUtf8());
+        output.Line(row->key + std::string(width + 2 - row->key.size(), ' ') + value +
+                    row->displayName.ToUtf8());
     }
 }
 

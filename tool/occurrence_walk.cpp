@@ -40,7 +40,8 @@ bool OccurrenceWalk::Matches(const Override& override) const {
 const Override* OccurrenceWalk::FindName(const Use& use) const {
     const Override* best = nullptr;
     for (const Override& candidate : use.overrides)
-        if (!candidate.name.empty() && (!best || candidate.path.size() >= best->path.size()) && Matches(candidate))
+        if (!candidate.name.empty() && (!best || candidate.path.size() >= best->path.size()) &&
+            Matches(candidate))
             best = &candidate;
     return best;
 }

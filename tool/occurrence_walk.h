@@ -13,12 +13,12 @@ namespace assembly::tool {
 struct Occurrence {
     const Use* use = nullptr;
     const Definition* definition = nullptr;
-    std::string_view name;                 ///< of the occurrence; may be empty
+    std::string_view name;                       ///< of the occurrence; may be empty
     const qn::Matrix4<double>* world = nullptr;  ///< occurrence to scene, millimetres
-    std::uint32_t level = 1;               ///< a root has 1
+    std::uint32_t level = 1;                     ///< a root has 1
     bool lastSibling = false;
-    std::uint64_t number = 0;              ///< running number, 0 for the first
-    std::uint64_t parent = 0;              ///< number of the parent; a root's own number
+    std::uint64_t number = 0;  ///< running number, 0 for the first
+    std::uint64_t parent = 0;  ///< number of the parent; a root's own number
 };
 
 /// Goes over the expanded tree, parents first, siblings in order, without holding more of it than one path.
@@ -46,7 +46,8 @@ public:
                 Open(structure_.uses.data() + definition.firstUse, definition.useCount);
         }
     }
-    /// Whether the last visited occurrences at each level above were last siblings (for drawing), roots first.
+    /// Whether the last visited occurrences at each level above were last siblings (for drawing), roots
+    /// first.
     bool IsLastAt(std::uint32_t level) const { return path_[level - 1].next == path_[level - 1].count; }
 
 private:

@@ -7,9 +7,9 @@
 #include "frame/host/parameter_ids.h"
 #include "tool/failure.h"
 
+#include <unistd.h>
 #include <csignal>
 #include <cstdio>
-#include <unistd.h>
 
 namespace assembly::tool {
 namespace {
@@ -78,7 +78,9 @@ Session::Session(ProgressStyle progress) : progress_(progress) {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-Session::~Session() { running = nullptr; }
+Session::~Session() {
+    running = nullptr;
+}
 
 Counted<qn::k3::Scene> Session::Load(const LoadRequest& request) {
     auto& context = static_cast<ContextImpl&>(*context_);

@@ -20,7 +20,8 @@ enum class ProgressStyle { kAuto, kNone, kJson };
 /// The engine with the module, for one run of the tool.
 class Session {
 public:
-    /// Starts the engine and loads the module that stands beside the tool. Fails with kDefect if that is not to be had.
+    /// Starts the engine and loads the module that stands beside the tool. Fails with kDefect if that is not
+    /// to be had.
     explicit Session(ProgressStyle progress = ProgressStyle::kAuto);
     ~Session();
     Session(const Session&) = delete;

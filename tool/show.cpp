@@ -22,11 +22,12 @@ constexpr const char* kExamples =
     "  assembly show --depth 2 bracket.stp         two levels of it\n"
     "  assembly show --definitions bracket.stp     each definition with how often it is used\n"
     "  assembly show --format json bracket.qn      definitions, uses and occurrences for scripts\n\n"
-    "Prints the occurrence tree of an assembly: definition name, then the occurrence's own name in quotes where it\n"
+    "Prints the occurrence tree of an assembly: definition name, then the occurrence's own name in quotes "
+    "where it\n"
     "differs, then how many uses the definition has where it is more than one.";
 
 void Run(const Options& options) {
-    Session session(options.progress == "none" ? ProgressStyle::kNone
+    Session session(options.progress == "none"   ? ProgressStyle::kNone
                     : options.progress == "json" ? ProgressStyle::kJson
                                                  : ProgressStyle::kAuto);
     const auto scene = session.Load(options.load);
@@ -45,7 +46,8 @@ void Run(const Options& options) {
 void AddShow(CLI::App& app) {
     auto options = std::make_shared<Options>();
     options->load.structureOnly = true;
-    CLI::App* verb = app.add_subcommand("show", "Print the occurrence tree or the definitions of an assembly");
+    CLI::App* verb =
+        app.add_subcommand("show", "Print the occurrence tree or the definitions of an assembly");
     verb->description(kExamples);
     verb->add_option("FILE", options->load.file, "STEP or scene file")->required();
     verb->add_option("--depth", options->show.depth, "Levels of the tree to print (1: the roots alone)")

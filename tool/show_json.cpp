@@ -17,9 +17,8 @@ void WriteDefinitions(Output& output, const Structure& structure, const ShowOpti
         output.Write(separator);
         output.Write("    {\"name\": " + Quoted(definition.name) +
                      ", \"kind\": " + (definition.useCount ? "\"assembly\"" : "\"part\"") +
-                     ", \"uses\": " + std::to_string(definition.usedBy) +
-                     ", \"occurrences\": " + std::to_string(definition.occurrences) +
-                     IdField(definition.reference, options) + "}");
+                     ", \"uses\": " + std::to_string(definition.usedBy) + ", \"occurrences\": " +
+                     std::to_string(definition.occurrences) + IdField(definition.reference, options) + "}");
         separator = ",\n";
     }
     output.Write("\n  ]");
@@ -28,7 +27,8 @@ void WriteDefinitions(Output& output, const Structure& structure, const ShowOpti
 std::string MatrixText(const Matrix4<double>& matrix) {
     std::string text = "[";
     for (const auto& row : matrix.m)
-        for (const double value : row) text += (text.size() > 1 ? ", " : "") + NumberText(value);
+        for (const double value : row)
+            text += (text.size() > 1 ? ", " : "") + NumberText(value);
     return text + "]";
 }
 
@@ -50,7 +50,8 @@ void WriteInstances(Output& output, const Structure& structure, const ShowOption
 }
 
 std::string OriginText(const Matrix4<double>& world) {
-    return "[" + NumberText(world.m[3][0]) + ", " + NumberText(world.m[3][1]) + ", " + NumberText(world.m[3][2]) + "]";
+    return "[" + NumberText(world.m[3][0]) + ", " + NumberText(world.m[3][1]) + ", " +
+           NumberText(world.m[3][2]) + "]";
 }
 
 void WriteOccurrences(Output& output, const Structure& structure, const ShowOptions& options) {

@@ -21,7 +21,8 @@ std::string ExternalIds(const qn::Var& systems) {
 
 std::string PersistentIdOf(const qn::graph::HierarchyElement& element) {
     const qn::Var serverId = element.GetProperty(Prop::kBsId, 0);
-    return serverId.ToBool() ? serverId.ToText().ToUtf8() : ExternalIds(element.GetProperty(Prop::kExternalIds, 0));
+    return serverId.ToBool() ? serverId.ToText().ToUtf8()
+                             : ExternalIds(element.GetProperty(Prop::kExternalIds, 0));
 }
 
 }  // namespace assembly::tool

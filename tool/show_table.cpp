@@ -7,7 +7,8 @@ namespace assembly::tool {
 namespace {
 
 constexpr const char* kUnnamed = "(no name)";
-constexpr std::uint32_t kDrawnLevels = 64;  // deeper levels are numbered: their guides would outgrow the names
+constexpr std::uint32_t kDrawnLevels =
+    64;  // deeper levels are numbered: their guides would outgrow the names
 
 std::string NameOf(const Definition& definition) {
     return definition.name.empty() ? kUnnamed : Printable(definition.name);
@@ -47,7 +48,8 @@ public:
             ends_[level - 2] = text_.size();
             line_ = text_ + (occurrence.lastSibling ? "└─ " : "├─ ");
         }
-        if (occurrence.level > kDrawnLevels) line_ = text_ + "· level " + std::to_string(occurrence.level) + ": ";
+        if (occurrence.level > kDrawnLevels)
+            line_ = text_ + "· level " + std::to_string(occurrence.level) + ": ";
         return line_;
     }
 
@@ -80,7 +82,8 @@ void WriteDefinitionTable(Output& output, const Structure& structure, const Show
                         std::to_string(definition.occurrences),
                         options.ids ? Printable(PersistentIdOf(*definition.reference)) : ""});
     std::size_t width = 0;
-    for (const Row& row : rows) width = std::max(width, Width(row.name));
+    for (const Row& row : rows)
+        width = std::max(width, Width(row.name));
     const auto right = [](const std::string& text, std::size_t columns) {
         return std::string(columns > text.size() ? columns - text.size() : 0, ' ') + text;
     };

@@ -3,10 +3,10 @@
 #include "tool/terminal.h"
 #include "tool/verbs.h"
 
+#include <sys/resource.h>
 #include <chrono>
 #include <memory>
 #include <string>
-#include <sys/resource.h>
 #include <vector>
 
 namespace assembly::tool {
@@ -33,7 +33,8 @@ struct Figure {
 
 std::vector<Figure> CountsOf(const Structure& structure) {
     std::uint64_t assemblies = 0;
-    for (const Definition& definition : structure.definitions) assemblies += definition.useCount > 0;
+    for (const Definition& definition : structure.definitions)
+        assemblies += definition.useCount > 0;
     const auto text = [](std::uint64_t number) { return std::to_string(number); };
     return {{"definitions", "definitions", text(structure.definitions.size())},
             {"assemblies", "  assemblies", text(assemblies)},

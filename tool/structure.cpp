@@ -22,7 +22,9 @@ using qn::graph::Instance;
 using qn::graph::Reference;
 namespace Prop = qn::graph::Prop;
 
-std::string TextOf(const Var& value) { return value.IsText() ? value.ToText().ToUtf8() : std::string(); }
+std::string TextOf(const Var& value) {
+    return value.IsText() ? value.ToText().ToUtf8() : std::string();
+}
 
 /// Whether the definition only stands around the roots of a file.
 bool IsContainer(const Reference& reference) {
@@ -58,7 +60,8 @@ public:
 
 private:
     std::uint32_t IndexOf(Reference* reference) {
-        const auto [entry, isNew] = known_.emplace(reference, static_cast<std::uint32_t>(out_.definitions.size()));
+        const auto [entry, isNew] =
+            known_.emplace(reference, static_cast<std::uint32_t>(out_.definitions.size()));
         if (isNew) {
             Definition definition;
             definition.reference = reference;
@@ -75,7 +78,8 @@ private:
         if (!instance) return use;
         use.name = TextOf(instance->GetProperty(Prop::kName, 0));
         use.local = LocalMatrix(reference, instance->GetProperty(Prop::kLocalMatrix, 0));
-        for (int i = 0; i < instance->GetSelectorCount(); ++i) AddOverride(use, instance->GetSelector(i), reference);
+        for (int i = 0; i < instance->GetSelectorCount(); ++i)
+            AddOverride(use, instance->GetSelector(i), reference);
         return use;
     }
 
@@ -87,7 +91,8 @@ private:
         const Var local = selector.GetProperty(Prop::kLocalMatrix, 0);
         result.moved = local.IsMatrix();
         if (result.moved) result.local = LocalMatrix(reference, local);
-        if (!result.path.empty() && (result.moved || !result.name.empty())) use.overrides.push_back(std::move(result));
+        if (!result.path.empty() && (result.moved || !result.name.empty()))
+            use.overrides.push_back(std::move(result));
     }
 
     /// Reads the uses of every definition that was met and not read yet.
@@ -124,7 +129,8 @@ private:
 /// Definitions with users before used (Kahn's order).
 void SortDefinitions(Structure& structure) {
     std::vector<std::uint32_t> pending(structure.definitions.size());
-    for (const Use& use : structure.uses) ++pending[use.definition];
+    for (const Use& use : structure.uses)
+        ++pending[use.definition];
     for (std::uint32_t i = 0; i < pending.size(); ++i)
         if (pending[i] == 0) structure.order.push_back(i);
     for (std::size_t at = 0; at < structure.order.size(); ++at) {
@@ -148,7 +154,8 @@ void CountBelow(Structure& structure) {
         Definition& definition = structure.definitions[*at];
         definition.expanded = 1, definition.depth = 1;
         for (std::uint32_t u = 0; u < definition.useCount; ++u) {
-            const Definition& used = structure.definitions[structure.uses[definition.firstUse + u].definition];
+            const Definition& used =
+                structure.definitions[structure.uses[definition.firstUse + u].definition];
             definition.expanded = AddOrFail(definition.expanded, used.expanded);
             definition.depth = std::max(definition.depth, used.depth + 1);
         }

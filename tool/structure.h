@@ -15,10 +15,11 @@ namespace assembly::tool {
 
 /// Overrides of one occurrence that a stored selector carries.
 struct Override {
-    std::vector<qn::graph::Instance*> path;  ///< from the top instance or any below it; the last is the use itself
-    std::string name;                        ///< empty: not overridden
+    std::vector<qn::graph::Instance*>
+        path;          ///< from the top instance or any below it; the last is the use itself
+    std::string name;  ///< empty: not overridden
     bool moved = false;
-    qn::Matrix4<double> local;               ///< node to parent in place of the use's own, if `moved`
+    qn::Matrix4<double> local;  ///< node to parent in place of the use's own, if `moved`
 };
 
 /// One use of a definition.
@@ -33,17 +34,17 @@ struct Use {
 /// One definition with its uses of others.
 struct Definition {
     qn::graph::Reference* reference = nullptr;
-    std::string name;                 ///< UTF-8
-    std::uint32_t firstUse = 0;       ///< index into `Structure::uses`
+    std::string name;            ///< UTF-8
+    std::uint32_t firstUse = 0;  ///< index into `Structure::uses`
     std::uint32_t useCount = 0;
-    std::uint64_t usedBy = 0;         ///< uses of this definition in others
-    std::uint64_t occurrences = 0;    ///< nodes of the expanded tree that show it
-    std::uint64_t expanded = 0;       ///< nodes of its own expanded tree, itself included
-    std::uint32_t depth = 0;          ///< levels of its own tree, itself included
+    std::uint64_t usedBy = 0;       ///< uses of this definition in others
+    std::uint64_t occurrences = 0;  ///< nodes of the expanded tree that show it
+    std::uint64_t expanded = 0;     ///< nodes of its own expanded tree, itself included
+    std::uint32_t depth = 0;        ///< levels of its own tree, itself included
 };
 
-/// The definition graph of a file: costs by definitions and uses, never by occurrences. Definitions stand in the order in
-/// which a walk from the roots, parents first, meets them.
+/// The definition graph of a file: costs by definitions and uses, never by occurrences. Definitions stand in
+/// the order in which a walk from the roots, parents first, meets them.
 struct Structure {
     std::vector<Definition> definitions;
     std::vector<Use> uses;
@@ -51,14 +52,15 @@ struct Structure {
     std::vector<Use> roots;            ///< top occurrences; `instance` may be null
     std::uint64_t occurrences = 0;
     std::uint64_t leafOccurrences = 0;
-    std::uint64_t instances = 0;       ///< distinct uses below the roots
+    std::uint64_t instances = 0;  ///< distinct uses below the roots
     std::uint32_t depth = 0;
-    std::uint32_t widest = 0;          ///< most children of one definition
+    std::uint32_t widest = 0;                   ///< most children of one definition
     qn::Counted<qn::graph::LookupTable> table;  ///< keeps elements alive that were made from plain nodes
 };
 
-/// Reads the structure of everything that stands at the top of the scene. Elements are borrowed from it. Fails with
-/// kUnreadable if a definition contains itself, with kLimit if there are more occurrences than 64 bits count.
+/// Reads the structure of everything that stands at the top of the scene. Elements are borrowed from it.
+/// Fails with kUnreadable if a definition contains itself, with kLimit if there are more occurrences than 64
+/// bits count.
 Structure ReadStructure(qn::k3::Scene& scene, qn::Context& context);
 
 }  // namespace assembly::tool

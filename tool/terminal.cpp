@@ -2,10 +2,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <unistd.h>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <unistd.h>
 
 namespace assembly::tool {
 namespace {
@@ -17,13 +17,19 @@ bool WantsColour() {
     return ::isatty(STDOUT_FILENO) && !(refused && *refused);
 }
 
-bool IsContinuation(unsigned char byte) { return (byte & 0xc0) == 0x80; }
+bool IsContinuation(unsigned char byte) {
+    return (byte & 0xc0) == 0x80;
+}
 
 }  // namespace
 
-Output::Output() : colour_(WantsColour()) { buffer_.reserve(kBufferSize); }
+Output::Output() : colour_(WantsColour()) {
+    buffer_.reserve(kBufferSize);
+}
 
-Output::~Output() { Flush(); }
+Output::~Output() {
+    Flush();
+}
 
 void Output::Write(std::string_view text) {
     buffer_ += text;
@@ -59,7 +65,8 @@ std::string NumberText(double value) {
 
 std::size_t Width(std::string_view utf8) {
     std::size_t width = 0;
-    for (const unsigned char byte : utf8) width += !IsContinuation(byte);
+    for (const unsigned char byte : utf8)
+        width += !IsContinuation(byte);
     return width;
 }
 

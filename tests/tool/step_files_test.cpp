@@ -45,7 +45,8 @@ class StepFiles : public testing::TestWithParam<StepFile> {
 protected:
     void SetUp() override {
         if (DataFolder().empty()) GTEST_SKIP() << "the data folder is not there";
-        expected_ = json::parse(ReadAll((DataFolder() / "expected" / (std::string(GetParam().name) + ".json")).string()));
+        expected_ = json::parse(
+            ReadAll((DataFolder() / "expected" / (std::string(GetParam().name) + ".json")).string()));
     }
     static std::string File() { return (DataFolder() / GetParam().folder / GetParam().name).string(); }
     static std::string DefinitionName(const json& shown, const json& element) {
@@ -74,7 +75,8 @@ std::vector<std::string> PathsOf(const json& shown) {
 
 std::string Joined(const std::vector<std::string>& lines) {
     std::string text;
-    for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+    for (const std::string& line : lines)
+        text += (text.empty() ? "" : "\n") + line;
     return text;
 }
 
@@ -112,14 +114,17 @@ TEST_P(StepFiles, ShowTheirUses) {
         ++uses[{parent, DefinitionName(shown, instance)}];
     }
     json counted = json::array();
-    for (const auto& [ends, count] : uses) counted.push_back({ends.first, ends.second, count});
+    for (const auto& [ends, count] : uses)
+        counted.push_back({ends.first, ends.second, count});
     EXPECT_EQ(json(names), expected_["instance_names"]);
     EXPECT_EQ(counted, expected_["uses"]);
 }
 
 TEST_P(StepFiles, ShowAPathForEachOccurrence) {
     const std::vector<std::string> paths = PathsOf(ToolJson({"show", "--format", "json", File()}));
-    if (!expected_["paths"].is_null()) EXPECT_EQ(json(paths), expected_["paths"]);
+    if (!expected_["paths"].is_null()) {
+        EXPECT_EQ(json(paths), expected_["paths"]);
+    }
     EXPECT_EQ(Sha256(Joined(paths)), expected_["paths_sha256"]);
 }
 
@@ -129,7 +134,8 @@ TEST_P(StepFiles, PlaceTheirOccurrencesInMillimetres) {
     for (const json& occurrence : shown["occurrences"]) {
         auto& sum = sums[DefinitionName(shown, occurrence)];
         sum[0] += 1;
-        for (std::size_t axis = 0; axis < 3; ++axis) sum[axis + 1] += occurrence["origin_mm"][axis].get<double>();
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            sum[axis + 1] += occurrence["origin_mm"][axis].get<double>();
     }
     const json& wanted = expected_["world_translations_mm"]["sum_by_name"];
     ASSERT_EQ(sums.size(), wanted.size());
@@ -142,7 +148,8 @@ TEST_P(StepFiles, PlaceTheirOccurrencesInMillimetres) {
 
 TEST_P(StepFiles, KeepTheirTreeInASceneFile) {
     const TemporaryFolder folder;
-    const std::string first = folder.File("first.qn"), second = folder.File("second.qn"), saved = folder.File("saved.qn");
+    const std::string first = folder.File("first.qn"), second = folder.File("second.qn"),
+                      saved = folder.File("saved.qn");
     for (const std::string& target : {first, second})
         ASSERT_EQ(RunTool({"convert", "--structure-only", File(), target}).exitCode, 0);
     ASSERT_EQ(RunTool({"convert", first, saved}).exitCode, 0);
@@ -165,7 +172,8 @@ TEST_P(StepFiles, KeepTheirTreeWithGeometryAndNodes) {
 
 INSTANTIATE_TEST_SUITE_P(All, StepFiles, testing::ValuesIn(kFiles), [](const auto& info) {
     std::string name = info.param.name;
-    std::replace_if(name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
     return name;
 });
 

@@ -2,23 +2,25 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
 
 namespace assembly::tests {
 namespace {
 
-[[noreturn]] void Become(const std::string& program, const std::vector<std::string>& arguments, int out, int err) {
+[[noreturn]] void Become(const std::string& program, const std::vector<std::string>& arguments, int out,
+                         int err) {
     ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
     ::dup2(out, STDOUT_FILENO);
     ::dup2(err, STDERR_FILENO);
     std::vector<char*> words{const_cast<char*>(program.c_str())};
-    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
     ::execvp(program.c_str(), words.data());
     ::_exit(127);
@@ -45,7 +47,9 @@ ToolRun RunProgram(const std::string& program, const std::vector<std::string>& a
     return run;
 }
 
-ToolRun RunTool(const std::vector<std::string>& arguments) { return RunProgram(ASSEMBLY_TOOL, arguments); }
+ToolRun RunTool(const std::vector<std::string>& arguments) {
+    return RunProgram(ASSEMBLY_TOOL, arguments);
+}
 
 nlohmann::json ToolJson(const std::vector<std::string>& arguments) {
     const ToolRun run = RunTool(arguments);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <filesystem>
 #include <string>
 #include <vector>
 

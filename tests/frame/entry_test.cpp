@@ -1,0 +1,188 @@
+#include "frame/entry.h"
+
+#include "engine/runtime/modules.h"
+#include "frame/catalogue.h"
+#include "frame/host/translate.h"
+#include "frame/module.h"
+#include "tests/support/static_module.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace qn::test {
+namespace {
+
+using frame::Command::kCreate;
+
+Counted<Interface> Create(const char* key) {
+    return Counted<Interface>::Adopt(
+        reinterpret_cast<Interface*>(K3DLLFunc(kCreate, const_cast<char*>(key), nullptr)));
+}
+
+template <std::size_t N>
+std::wstring CopyOf(unsigned code, std::size_t capacity) {
+    std::array<wchar_t, N> buffer;
+    buffer.fill(L'#');
+    EXPECT_EQ(K3DLLFunc(code, buffer.data(), reinterpret_cast<void*>(capacity)), 1u);
+    return std::wstring(buffer.data(), N);
+}
+
+TEST(Entry, AnswersZeroForAnUnknownCode) {
+    EXPECT_EQ(K3DLLFunc(0, nullptr, nullptr), 0u);
+    EXPECT_EQ(K3DLLFunc(0x1002, nullptr, nullptr), 0u);
+    EXPECT_EQ(K3DLLFunc(0x10001, const_cast<char*>("qn.graph.instance"), nullptr), 0u);
+}
+
+TEST(Entry, TellsItsInterfaceVersion) {
+    EXPECT_EQ(K3DLLFunc(0x1010, nullptr, nullptr), 0x910u);
+}
+
+TEST(Entry, TellsItsVersion) {
+    EXPECT_EQ(std::wstring(CopyOf<32>(0x1020, 32).c_str()), L"9.0.0.35737");
+}
+
+TEST(Entry, TellsWhatItIs) {
+    EXPECT_EQ(std::wstring(CopyOf<64>(0x1021, 64).c_str()), L"Assembly extensions");
+}
+
+TEST(Entry, CutsATextThatIsTooLongAndEndsIt) {
+    EXPECT_EQ(CopyOf<6>(0x1020, 4), std::wstring(L"9.0\0##", 6));
+    EXPECT_EQ(CopyOf<3>(0x1021, 1), std::wstring(L"\0##", 3));
+}
+
+TEST(Entry, CopiesNothingWithoutBufferOrCapacityAndStillAnswersOne) {
+    EXPECT_EQ(CopyOf<2>(0x1020, 0), L"##");
+    EXPECT_EQ(K3DLLFunc(0x1020, nullptr, reinterpret_cast<void*>(8)), 1u);
+    EXPECT_EQ(K3DLLFunc(0x1021, nullptr, reinterpret_cast<void*>(8)), 1u);
+}
+
+TEST(Entry, TellsItsIdentifier) {
+    const std::array<std::uint8_t, 16> expected = {0xa4, 0x11, 0xd4, 0x66, 0x53, 0xfc, 0xce, 0x4a,
+                                                   0x84, 0x9c, 0x1d, 0xa0, 0x33, 0xee, 0x6b, 0x7a};
+    std::array<std::uint8_t, 16> identifier{};
+    EXPECT_EQ(K3DLLFunc(0x1023, identifier.data(), nullptr), 1u);
+    EXPECT_EQ(identifier, expected);
+}
+
+struct Wanted {
+    const char* key;
+    const char* name;
+};
+
+constexpr Wanted kClasses[] = {
+    {"qn.graph.instance", "Instance"},
+    {"qn.graph.reference", "Reference"},
+    {"qn.graph.persistentselector", "Persistent Selector"},
+    {"qn.graph.lookuptable", "Lookup Table"},
+    {"qn.graph.hierarchyfactory", "Hierarchy Factory"},
+    {"qn.graph.hierarchygenerator", "Assembly Hierarchy"},
+    {"qn.graph.postprocessinginstruction", "Postprocessing Instruction"},
+};
+
+TEST(Creation, MakesEveryClassOfTheCatalogueWithOneCount) {
+    for (const Wanted& wanted : kClasses) {
+        const Counted<Interface> object = Create(wanted.key);
+        ASSERT_TRUE(object) << wanted.key;
+        EXPECT_EQ(object->GetRefCount(), 1) << wanted.key;
+        EXPECT_STREQ(object->GetInterfaceName(), wanted.key);
+    }
+}
+
+TEST(Creation, IgnoresTheCaseOfKeys) {
+    const Counted<Interface> object = Create("QN.GRAPH.INSTANCE");
+    ASSERT_TRUE(object);
+    EXPECT_STREQ(object->GetInterfaceName(), "qn.graph.instance");
+}
+
+TEST(Creation, RefusesClassesThatOnlyTheModuleItselfMakes) {
+    for (const char* key :
+         {"qn.graph.resolvercache", "tov.mw.id", "tov.mw.idfield", "qn.wrap<?>", "", "qn.graph"})
+        EXPECT_FALSE(Create(key)) << key;
+    EXPECT_EQ(K3DLLFunc(kCreate, nullptr, nullptr), 0u);
+}
+
+TEST(Creation, AnswersZeroWithoutMemory) {
+    mem::FailAllocations(0, 1);
+    EXPECT_FALSE(Create("qn.graph.instance"));
+    mem::FailAllocations(0, 0);
+    EXPECT_TRUE(Create("qn.graph.instance"));
+}
+
+TEST(Creation, AcceptsTheNamesOfAncestors) {
+    constexpr Wanted kAncestors[] = {
+        {"qn.graph.instance", "K3_RefSource"},          {"qn.graph.instance", "k3_reftarget"},
+        {"qn.graph.reference", "k3_extension"},         {"qn.graph.lookuptable", "k3_refsource"},
+        {"qn.graph.hierarchyfactory", "k3_extension"},  {"qn.graph.hierarchygenerator", "qn.k3.generator"},
+        {"qn.graph.hierarchygenerator", "k3_reftarget"}};
+    for (const auto& [key, ancestor] : kAncestors)
+        EXPECT_TRUE(Create(key)->IsTypeOf(ancestor)) << key << ancestor;
+    EXPECT_FALSE(Create("qn.graph.hierarchyfactory")->IsTypeOf("k3_refsource"));
+    EXPECT_FALSE(Create("qn.graph.instance")->IsTypeOf("qn.graph.reference"));
+    EXPECT_FALSE(Create("qn.graph.instance")->IsTypeOf(nullptr));
+}
+
+TEST(Creation, ComparesKeysInAnOrderOfItsOwn) {
+    ASSERT_EQ(frame::CreationOrder().size(), frame::Catalogue().size());
+    EXPECT_NE(static_cast<const void*>(frame::CreationOrder().data()),
+              static_cast<const void*>(frame::Catalogue().data()));
+    EXPECT_STREQ(frame::CreationOrder()[0].key, "qn.graph.instance");
+}
+
+class Registration : public testing::Test {
+protected:
+    std::vector<ExtensionRow> RowsOf(ModuleHandle handle) const {
+        std::vector<ExtensionRow> rows;
+        for (const ExtensionRow& row : Modules().Extensions())
+            if (row.handle == handle) rows.push_back(row);
+        return rows;
+    }
+    EntryModule module_{&K3DLLFunc};
+};
+
+TEST_F(Registration, KeepsTheHandle) {
+    EXPECT_EQ(frame::GetModuleHandle(), module_.Handle());
+}
+
+TEST_F(Registration, PassesTheCatalogueInItsOrderWithItsValues) {
+    const auto rows = RowsOf(module_.Handle());
+    ASSERT_EQ(rows.size(), std::size(kClasses));
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(rows[i].key, kClasses[i].key);
+        EXPECT_EQ(rows[i].displayName.ToUtf8(), kClasses[i].name);
+    }
+    const unsigned values[] = {0x10000000, 0x10000000, 0, 0, 0x10000000, 0x10000000, 0};
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        EXPECT_EQ(rows[i].value, values[i]) << rows[i].key;
+}
+
+TEST_F(Registration, DoneTwiceRegistersTwice) {
+    EXPECT_EQ(K3DLLFunc(frame::Command::kRegister, nullptr, module_.Handle()), 1u);
+    EXPECT_EQ(RowsOf(module_.Handle()).size(), 2 * std::size(kClasses));
+}
+
+std::vector<std::string> askedFor;
+
+String Recorder(const char* catalogue, const char* source, const char* kind) {
+    askedFor.push_back(std::string(catalogue) + "|" + source + "|" + kind);
+    return String(L"translated");
+}
+
+TEST_F(Registration, TranslatesTheDisplayNames) {
+    askedFor.clear();
+    SetTranslateHook(&Recorder);
+    K3DLLFunc(frame::Command::kRegister, nullptr, module_.Handle());
+    SetTranslateHook(nullptr);
+    ASSERT_EQ(askedFor.size(), std::size(kClasses));
+    EXPECT_EQ(askedFor[0], "assembly|Instance|XTXT: extension info");
+    EXPECT_EQ(RowsOf(module_.Handle()).back().displayName, String(L"translated"));
+}
+
+TEST_F(Registration, MakesTheClassesKnownToTheHost) {
+    const auto object = api->Create("Qn.Graph.LookupTable");
+    ASSERT_TRUE(object);
+    EXPECT_STREQ(object->GetInterfaceName(), "qn.graph.lookuptable");
+}
+
+}  // namespace
+}  // namespace qn::test
