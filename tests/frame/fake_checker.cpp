@@ -31,8 +31,8 @@ private:
     }
 };
 
-Counted<Interface> MakeChecker() {
-    return Make<FakeChecker>();
+Interface* MakeChecker() {
+    return Make<FakeChecker>().Detach();
 }
 
 }  // namespace
