@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/host/interface.h"
+#include "frame/host/extension.h"
 #include "frame/host/string.h"
 #include "frame/host/var.h"
 
