@@ -19,12 +19,12 @@ namespace {
 std::string ReadBytes(const std::filesystem::path& path) {
     std::error_code error;
     const auto size = std::filesystem::file_size(path, error);
-    if (error) throw ReadFailure(error.message());
+    if (error) throw ReadFailure(error.message(), Cause::kUnreadable);
     std::ifstream in(path, std::ios::binary);
-    if (!in) throw ReadFailure("the file cannot be opened");
+    if (!in) throw ReadFailure("the file cannot be opened", Cause::kUnreadable);
     std::string bytes(size, '\0');
     in.read(bytes.data(), static_cast<std::streamsize>(size));
-    if (in.bad()) throw ReadFailure("the file cannot be read");
+    if (in.bad()) throw ReadFailure("the file cannot be read", Cause::kUnreadable);
     bytes.resize(static_cast<std::size_t>(in.gcount()));
     return bytes;
 }
@@ -49,14 +49,20 @@ StructureResult ReadModel(std::string bytes) {
 template <class Read>
 StructureResult Guarded(const std::string& name, Read&& read) {
     StructureResult failed;
+    const auto fail = [&](Cause cause, const std::string& text) {
+        failed.cause = cause;
+        failed.error = name + ": " + text;
+        return failed;
+    };
     try {
         return read();
+    } catch (const ReadFailure& failure) {
+        return fail(failure.GetCause(), failure.what());
     } catch (const std::bad_alloc&) {
-        failed.error = name + ": not enough memory";
+        return fail(Cause::kMemory, "not enough memory");
     } catch (const std::exception& failure) {
-        failed.error = name + ": " + failure.what();
+        return fail(Cause::kMalformed, failure.what());
     }
-    return failed;
 }
 
 }  // namespace

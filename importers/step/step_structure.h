@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 
+#include "importers/step/part21_error.h"
 #include "importers/step/step_colours.h"
 #include "importers/step/step_model.h"
 
@@ -13,6 +14,7 @@ struct StructureResult {
     StepModel model;
     ColourTable colours;
     std::string error;  ///< empty if all went well, else the file's name and the cause
+    Cause cause = Cause::kNone;
 
     bool Ok() const { return error.empty(); }
 };
