@@ -1,18 +1,11 @@
 #include "frame/module.h"
 
+#include "graph/module_handle.h"
+
 namespace qn::frame {
-namespace {
 
-ModuleHandle moduleHandle = nullptr;
+ModuleHandle GetModuleHandle() { return graph::GetModuleHandle(); }
 
-}  // namespace
-
-ModuleHandle GetModuleHandle() {
-    return moduleHandle;
-}
-
-void SetModuleHandle(ModuleHandle handle) {
-    moduleHandle = handle;
-}
+void SetModuleHandle(ModuleHandle handle) { graph::SetModuleHandle(handle); }
 
 }  // namespace qn::frame

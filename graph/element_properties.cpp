@@ -44,10 +44,8 @@ void SaveProperties(Var& properties, Stream* stream, Context* context) {
     const Var localId = properties.At(Key(Prop::kLocalId));
     const bool leftOut = localId.IsSet() && properties.At(Key(Prop::kKeepLocalId)).IsEmpty();
     if (leftOut) properties.Remove(Var(Key(Prop::kLocalId)));
-    // The stream may read an object's content later than now, when the local id is back in the map.
-    Var written = properties;
-    if (leftOut) written = Var(properties.ToMap()->Clone(0));
-    if (written.IsMap()) stream->WriteObjectChunk(written.ToMap(), context, kPropertiesChunk);
+    // The stream writes the map as it is now.
+    if (properties.IsMap()) stream->WriteObjectChunk(properties.ToMap(), context, kPropertiesChunk);
     if (localId.IsSet()) StoreProperty(properties, Prop::kLocalId, localId);
 }
 
