@@ -14,13 +14,17 @@ namespace fs = std::filesystem;
 
 constexpr const char* kEntryName = "K3DLLFunc";
 
-String LinkerError() {
-    const char* text = dlerror();
-    return String::FromUtf8(text ? text : "unknown error of the dynamic linker");
+/// The linker's text, without the file's path at its front.
+String LinkerError(const std::string& file) {
+    const char* told = dlerror();
+    std::string text = told ? told : "unknown error of the dynamic linker";
+    if (text.rfind(file + ": ", 0) == 0) text.erase(0, file.size() + 2);
+    return String::FromUtf8(text);
 }
 
-bool Refuse(String* reason, const String& file, const String& why) {
-    if (reason) *reason = file + L": " + why;
+/// Names the module without its folder, so that the text is the same on every machine.
+bool Refuse(String* reason, const std::string& file, const String& why) {
+    if (reason) *reason = String::FromUtf8(fs::path(file).filename().string()) + L": " + why;
     return false;
 }
 
@@ -44,9 +48,9 @@ bool RegisterEntry(ModuleHandle handle, ModuleEntry entry) {
 bool LoadModuleFile(const String& path, String* reason) {
     const std::string file = Locate(path);
     std::error_code error;
-    if (!fs::is_regular_file(file, error)) return Refuse(reason, path, L"no such module");
+    if (!fs::is_regular_file(file, error)) return Refuse(reason, file, L"no such module");
     void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!library) return Refuse(reason, path, LinkerError());
+    if (!library) return Refuse(reason, file, LinkerError(file));
     if (Modules().Find(library)) {
         dlclose(library);  // the count that this call added
         return true;
@@ -54,7 +58,7 @@ bool LoadModuleFile(const String& path, String* reason) {
     const auto entry = reinterpret_cast<ModuleEntry>(dlsym(library, kEntryName));
     if (entry && Modules().Add({library, entry, String::FromUtf8(file)})) return true;
     dlclose(library);
-    return Refuse(reason, path,
+    return Refuse(reason, file,
                   entry ? L"the module refused to register" : L"not a module: it exports no K3DLLFunc");
 }
 
