@@ -1,7 +1,6 @@
 #include "tool/structure.h"
 
 #include "construction/hierarchy_factory.h"
-#include "construction/hierarchy_generator.h"
 #include "frame/host/api.h"
 #include "frame/host/importer.h"
 #include "graph/lookup_table.h"
@@ -17,7 +16,6 @@ namespace {
 using qn::Counted;
 using qn::Matrix4;
 using qn::Var;
-using qn::graph::HierarchyGenerator;
 using qn::graph::Instance;
 using qn::graph::Reference;
 namespace Prop = qn::graph::Prop;
@@ -200,8 +198,8 @@ Structure ReadStructure(qn::k3::Scene& scene, qn::Context& context) {
     Structure structure;
     Reader reader(structure);
     for (qn::k3::Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling()) {
-        auto* generator = qn::Cast<HierarchyGenerator>(qn::k3::Generator::Get(node));
-        Reference* root = generator ? generator->GetRootReference() : nullptr;
+        const qn::k3::Generator* generator = qn::k3::Generator::Get(node);
+        auto* root = generator ? qn::Cast<Reference>(generator->GetGeneratedRoot()) : nullptr;
         if (!root) {
             if (!structure.table) structure.table = TableOf(scene, context);
             ReadFromNodes(*node, *structure.table, reader);
