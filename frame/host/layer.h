@@ -3,6 +3,8 @@
 #include "frame/host/entity.h"
 #include "frame/host/node.h"
 
+#include <memory>
+
 namespace qn::k3 {
 
 /// A named grouping of nodes. Members are not counted; a node that left the scene stays listed, a dead one reads null.
@@ -16,8 +18,8 @@ public:
     void AddNode(Node* node);
     void RemoveNode(Node* node);
     void DeleteAll();
-    /// Borrowed; null before the first member.
-    PointerArray* GetMembers() const { return members_.Get(); }
+    /// Borrowed; null before the first member. To be changed through the layer only.
+    PointerArray* GetMembers() const;
     const String& GetDisplayName() const { return displayName_; }
     void SetDisplayName(const String& text) { displayName_ = text; }
 
@@ -30,7 +32,10 @@ public:
     void* CastTo(const ClassRecord& wanted) override;
 
 private:
-    Counted<PointerArray> members_;
+    friend class SceneAccess;
+    struct Members;
+    void BeforeChange();
+    std::unique_ptr<Members> members_;
     String displayName_;
 };
 

@@ -55,6 +55,8 @@ public:
     void Visit(unsigned flags, VisitFunction function, ParamWord argument);
     /// A copy with its subtree; content and instances are shared, the rest is private. Null on failure.
     Counted<ReferenceSource> Clone(unsigned mode) const override;
+    /// Whether the node stands in the host's global list of nodes, see `__AddToGlobalList`.
+    bool IsInGlobalList() const noexcept { return !unlisted_; }
 
     // Fields.
     void SetName(const wchar_t* name);
@@ -94,8 +96,12 @@ public:
     Var GetExtendedMetadata(MetadataFormatEnum format, int mask, int reserved) const;
 
     /// Flags (0x50), visibility (0x64) and 7, 8 have meanings of their own.
+    ParamWord GetParam(int id, ParamWord fallback, k3_VALUETYPE type) const override;
     void SetParamVar(int id, const Var& value) override;
     Var GetParamVar(int id) const override;
+    void DeleteParam(int id) override;
+    VarMap* GetMetadata(bool create) const override;
+    void SetMetadata(VarMap* map) override;
 
     ResultEnum Save(Stream* stream, Context* context) override;
     ResultEnum HandleChunk(int id, Stream* stream, Context* context) override;
@@ -111,12 +117,22 @@ protected:
 
 private:
     friend class Scene;
-    friend class SceneAccess;  // undo and streams
+    friend class SceneAccess;  // undo, generated content and streams
     struct Rare;
     struct ChildIndex;
+    /// A fresh node of the same class, null where the class cannot be cloned.
+    virtual Counted<Node> MakeSame() const;
+    void CopyFieldsFrom(const Node& source);
     Rare& Rarely();
-    void Link(Node* child, Node* before);
+    bool IsBelow(const Node* ancestor) const;
+    void Link(Node* child);
     Counted<Node> Unlink(Node* child);
+    ResultEnum SaveFields(Stream* stream, Context* context) const;
+    ResultEnum SaveChildren(Stream* stream, Context* context) const;
+    void ReadWords(Stream* stream);
+    void ReadPairedObject(Stream* stream, Context* context);
+    void ReadTrack(Stream* stream, Context* context);
+    void ReadChildren(Stream* stream, Context* context);
 
     Scene* scene_ = nullptr;
     Node* parent_ = nullptr;
@@ -132,10 +148,18 @@ private:
     unsigned flags_ = 0;
     unsigned word1_ = 0;
     int childCount_ = 0;
+    std::uint32_t changeStamp_ = 0;  // the generation epoch of the last change
     std::int16_t shortValue_ = 0;
+    bool unlisted_ = false;
+    bool grouped_ = false;  // was once made a member of a layer or of the selection
 };
 
 static_assert(sizeof(Node) < 200);
+
+/// Put a node into, or take it out of, the host's global list of nodes: nodes of a structure that is not shown stand
+/// outside. Made for `Node::Visit`; the argument means nothing, the answer is true.
+bool __AddToGlobalList(Node* node, ParamWord argument);
+bool __RemoveFromGlobalList(Node* node, ParamWord argument);
 
 /// A PMI note shown as a node. Class key "k3_detail_markup".
 class DetailMarkup final : public Node {
@@ -144,6 +168,9 @@ public:
     bool IsTypeOf(const char* name) const override;
     static const ClassRecord& StaticClass();
     void* CastTo(const ClassRecord& wanted) override;
+
+private:
+    Counted<Node> MakeSame() const override;
 };
 
 /// An animation track: values over time in seconds.

@@ -116,6 +116,8 @@ public:
     bool CollectMaterialSlots(Collection* slots, int reserved) const override;
     void MaterialsChanged() override;
     ResultEnum Save(Stream* stream, Context* context) override;
+    /// Fails if the parts do not fit together.
+    ResultEnum Load(Stream* stream, Context* context) override;
     ResultEnum HandleChunk(int id, Stream* stream, Context* context) override;
     const char* GetInterfaceName() const override { return "k3_mesh"; }
     bool IsTypeOf(const char* name) const override;

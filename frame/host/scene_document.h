@@ -8,9 +8,33 @@
 
 namespace qn::k3 {
 
-/// The document: the root node, with layers, viewports and selection. Class key "k3_scene".
-class Scene final : public Node {
+/// The side of a scene that takes host calls about single nodes.
+class SceneImpl {
 public:
+    /// Only recorded.
+    virtual void NotifyNode(Node* node, const Var& value) = 0;
+
+    static const ClassRecord& StaticClass();
+    virtual void* CastTo(const ClassRecord& wanted);
+
+protected:
+    ~SceneImpl() = default;
+};
+
+/// The document: the root node, with layers, viewports and selection. Class key "k3_scene".
+class Scene final : public Node, public SceneImpl {
+public:
+    /// A recorded `HostCall`.
+    struct HostCallRecord {
+        int first = 0;
+        int second = 0;
+    };
+    /// A recorded `NotifyNode`.
+    struct NodeNotice {
+        Weak<Node> node;
+        Var value;
+    };
+
     Scene();
     ~Scene() override;
 
@@ -44,11 +68,31 @@ public:
     Counted<InterfaceArray> GetAllViewports() const;
     Viewport* CreateViewport(const String& name);
     Layer* CreateLayer(const String& name);
-    /// The selected nodes, borrowed, or null.
+    /// Entities that are neither layers nor viewports, borrowed; made when first asked for.
+    InterfaceArray* GetEntities();
+    /// The selected nodes, borrowed, or null. Change the selection by setting another array.
     PointerArray* GetSelectedNodes() const;
     void SetSelectedNodes(PointerArray* nodes);
 
+    /// The node that is being worked on, borrowed, or null.
+    Node* QueryCurrentNode() const;
+    void SetCurrentNode(Node* node);
+    /// Only recorded.
+    void HostCall(int first, int second);
+    const std::vector<HostCallRecord>& GetHostCalls() const;
+    void NotifyNode(Node* node, const Var& value) override;
+    const std::vector<NodeNotice>& GetNodeNotices() const;
+    /// Observers are watched, not counted. Each gets `OnNotify(Message)` for every `Notify` and every change event.
+    void AddObserver(ReferenceTarget* observer);
+    void RemoveObserver(ReferenceTarget* observer);
+    /// Reaches the observers at once, also within an update.
+    void Notify(unsigned code, const Var& value) override;
+    /// The code of change events.
+    static constexpr unsigned kChangeEvent = 1;
+
     ResultEnum Save(Stream* stream, Context* context) override;
+    /// Also binds what it read to this scene: layers, viewports, entities and structures.
+    ResultEnum Load(Stream* stream, Context* context) override;
     ResultEnum HandleChunk(int id, Stream* stream, Context* context) override;
     const char* GetInterfaceName() const override { return "k3_scene"; }
     bool IsTypeOf(const char* name) const override;
@@ -56,9 +100,9 @@ public:
     void* CastTo(const ClassRecord& wanted) override;
 
 private:
-    friend class Node;
     friend class SceneAccess;
     struct Data;
+    Counted<Node> MakeSame() const override;
     std::unique_ptr<Data> data_;
 };
 

@@ -6,7 +6,6 @@
 
 #include <map>
 #include <memory>
-#include <vector>
 
 namespace qn {
 
@@ -74,7 +73,6 @@ private:
     Var attributes_;
     Counted<Traverser> traverser_;
     std::shared_ptr<Step> last_;
-    mutable std::vector<Instance*> flat_;  // the path by index, made when first asked for
 };
 
 /// Walks a tree for a selector. Moves make new traversers; all results are counted.

@@ -1,0 +1,83 @@
+#include "engine/scene/generated_content.h"
+
+#include "engine/scene/scene_access.h"
+#include "engine/scene/tree_walk.h"
+#include "frame/host/generator.h"
+#include "frame/host/params.h"
+
+namespace qn::k3 {
+namespace {
+
+std::uint64_t Mixed(std::uint64_t seed, std::uint64_t value) {
+    return (seed ^ (value + 0x9e3779b97f4a7c15u)) * 0xff51afd7ed558ccdu + (seed >> 29);
+}
+
+/// Of the values below the node that can be edited without the node's knowledge.
+std::uint64_t FingerprintBelow(const Node& root) {
+    std::uint64_t print = 0;
+    std::uint64_t place = 0;
+    WalkSubtree(const_cast<Node&>(root), [&](Node& node) {
+        ++place;
+        if (&node == &root) return;
+        if (VarMap* metadata = node.GetMetadata(false); metadata && metadata->GetCount() > 0)
+            print = Mixed(Mixed(print, place), Var(metadata, 1).Hash());
+        const Params* params = node.GetParams(false);
+        for (int i = 0; params && i < params->GetCount(); ++i) {
+            const Var& value = params->ValueAt(i);
+            if (value.IsMap() || value.IsArray()) print = Mixed(Mixed(print, place), value.Hash());
+        }
+    });
+    return print;
+}
+
+bool IsUntouched(const Node& root, const GeneratedMark& mark) {
+    for (Node* node = root.GetFirstChild(); node; node = NextInSubtree(node, &root))
+        if (SceneAccess::StampOf(*node) > mark.epoch) return false;
+    return FingerprintBelow(root) == mark.fingerprint;
+}
+
+bool HasUsableGenerator(const Node& node) {
+    const Generator* generator = Generator::Get(&node);
+    return generator && generator->GetGeneratedRoot();
+}
+
+}  // namespace
+
+void MarkGenerated(Node& node) {
+    SceneAccess::SetMark(node, {SceneAccess::Epoch(), FingerprintBelow(node)});
+    SceneAccess::NextEpoch();
+}
+
+bool CanGenerateChildren(const Node& node) {
+    if (SceneAccess::AreChildrenStored(node) || !HasUsableGenerator(node)) return false;
+    if (!node.GetFirstChild()) return true;
+    const GeneratedMark* mark = SceneAccess::MarkOf(node);
+    return mark && !SceneAccess::IsPointedInto(node) && IsUntouched(node, *mark);
+}
+
+bool AwaitsGeneration(const Node& node) {
+    return !node.GetFirstChild() && !SceneAccess::AreChildrenStored(node) && !SceneAccess::MarkOf(node) &&
+           HasUsableGenerator(node);
+}
+
+int GenerateMissing(Scene& scene, Context* context) {
+    int generated = 0;
+    scene.BeginUpdate();
+    Counted<Node> node(&scene);
+    while (node) {
+        if (AwaitsGeneration(*node)) {
+            const Counted<Generator> generator(Generator::Get(node.Get()));
+            if (!Succeeded(generator->Generate(node.Get(), context))) {
+                generated = -1;
+                break;
+            }
+            MarkGenerated(*node);
+            ++generated;
+        }
+        node = Counted<Node>(NextInSubtree(node.Get(), &scene));
+    }
+    scene.EndUpdate();
+    return generated;
+}
+
+}  // namespace qn::k3

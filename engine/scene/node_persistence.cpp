@@ -1,0 +1,159 @@
+#include "engine/scene/chunk_ids.h"
+#include "engine/scene/chunk_io.h"
+#include "engine/scene/generated_content.h"
+#include "engine/scene/scene_access.h"
+#include "engine/stream/stream_writer.h"
+
+namespace qn::k3 {
+namespace {
+
+bool WriteMatrix(Stream* stream, int id, const std::unique_ptr<Matrix4<double>>& matrix) {
+    return !matrix || ChunkWriter(stream, id).Bytes(&matrix->m[0][0], sizeof(double), 16).Ok();
+}
+
+bool ReadMatrix(Stream* stream, Matrix4<double>& matrix) {
+    if (stream->ReadData(&matrix.m[0][0], sizeof(double), 16) == 16) return true;
+    return stream->Fail(L"a node's matrix ends early");
+}
+
+bool WriteText(Stream* stream, int id, const String& text) {
+    return text.IsEmpty() || ChunkWriter(stream, id).Text(text).Ok();
+}
+
+/// Whether nodes that a generator makes are to be written, too.
+bool WritesGenerated(Stream* stream) {
+    const auto* writer = Cast<StreamWriter>(stream);
+    return writer && writer->ExpandsGenerated();
+}
+
+}  // namespace
+
+ResultEnum Node::Save(Stream* stream, Context* context) {
+    if (const ResultEnum base = ReferenceSource::Save(stream, context); base != ResultEnum::kSuccess)
+        return base;
+    if (const ResultEnum fields = SaveFields(stream, context); fields != ResultEnum::kSuccess) return fields;
+    return SaveChildren(stream, context);
+}
+
+ResultEnum Node::SaveFields(Stream* stream, Context* context) const {
+    bool written = WriteText(stream, NodeChunk::kName, name_);
+    if (written && (flags_ || word1_ || shortValue_ || GetIntegerAttribute()))
+        written = ChunkWriter(stream, NodeChunk::kWords)
+                      .Int(static_cast<int>(flags_))
+                      .Int(static_cast<int>(word1_))
+                      .Int(GetIntegerAttribute())
+                      .Int(shortValue_)
+                      .Ok();
+    written = written && WriteMatrix(stream, NodeChunk::kMatrix, matrix_);
+    if (written && object_)
+        written = SaveObjectHandleSafeForm(context, stream, object_.Get(), NodeChunk::kObject,
+                                           NodeChunk::kPairedObject);
+    if (written && rare_) {
+        written = WriteText(stream, NodeChunk::kDisplayName, rare_->displayName) &&
+                  WriteText(stream, NodeChunk::kText, rare_->text) &&
+                  WriteMatrix(stream, NodeChunk::kOwnMatrix, rare_->ownMatrix) &&
+                  WriteMatrix(stream, NodeChunk::kThirdMatrix, rare_->thirdMatrix);
+        if (written && rare_->opacity != 1.0f)
+            written = ChunkWriter(stream, NodeChunk::kOpacity).Bytes(&rare_->opacity, sizeof(float), 1).Ok();
+        for (const auto& [kind, track] : rare_->tracks)
+            written =
+                written &&
+                ChunkWriter(stream, NodeChunk::kTrack).Int(kind).Number(track.Get(), context, false).Ok();
+    }
+    return written ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
+}
+
+ResultEnum Node::SaveChildren(Stream* stream, Context* context) const {
+    const bool stored = SceneAccess::AreChildrenStored(*this);
+    if (!first_ && !stored) return ResultEnum::kSuccess;
+    if (!WritesGenerated(stream) && CanGenerateChildren(*this)) return ResultEnum::kSuccess;
+    ChunkWriter chunk(stream, NodeChunk::kChildren);
+    for (Node* child = first_; child && chunk.Ok(); child = child->next_)
+        chunk.Number(child, context, false);
+    return chunk.Ok() ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
+}
+
+ResultEnum Node::HandleChunk(int id, Stream* stream, Context* context) {
+    Matrix4<double> matrix;
+    switch (id) {
+        case NodeChunk::kName:
+            name_.Load(stream);
+            break;
+        case NodeChunk::kDisplayName:
+            Rarely().displayName.Load(stream);
+            break;
+        case NodeChunk::kText:
+            Rarely().text.Load(stream);
+            break;
+        case NodeChunk::kMatrix:
+            if (ReadMatrix(stream, matrix)) SetMatrix(&matrix, 0);
+            break;
+        case NodeChunk::kOwnMatrix:
+            if (ReadMatrix(stream, matrix)) SetMatrix(&matrix, 1);
+            break;
+        case NodeChunk::kThirdMatrix:
+            if (ReadMatrix(stream, matrix)) SetThirdMatrix(matrix);
+            break;
+        case NodeChunk::kOpacity:
+            stream->ReadData(&Rarely().opacity, sizeof(float), 1);
+            break;
+        case NodeChunk::kWords:
+            ReadWords(stream);
+            break;
+        case NodeChunk::kObject:
+            SetObject(Cast<Object3D>(stream->ReadObject(context).Get()));
+            break;
+        case NodeChunk::kPairedObject:
+            ReadPairedObject(stream, context);
+            break;
+        case NodeChunk::kTrack:
+            ReadTrack(stream, context);
+            break;
+        case NodeChunk::kChildren:
+            ReadChildren(stream, context);
+            break;
+        default:
+            return ReferenceSource::HandleChunk(id, stream, context);
+    }
+    return stream->HasFailed() ? ResultEnum::kNothing : ResultEnum::kSuccess;
+}
+
+void Node::ReadWords(Stream* stream) {
+    int words[4] = {0, 0, 0, 0};
+    for (int& word : words)
+        if (!stream->ReadInt(word)) break;
+    flags_ = static_cast<unsigned>(words[0]);
+    word1_ = static_cast<unsigned>(words[1]);
+    SetIntegerAttribute(words[2], 0);
+    shortValue_ = static_cast<std::int16_t>(words[3]);
+}
+
+/// What was read before is the handle partner.
+void Node::ReadPairedObject(Stream* stream, Context* context) {
+    const auto object = CountedCast<Object3D>(stream->ReadObject(context));
+    if (!object) return;
+    if (object_ && !(object_ == object)) object->AttachHandleObject(object_.Get());
+    SetObject(object.Get());
+}
+
+void Node::ReadTrack(Stream* stream, Context* context) {
+    int kind = 0;
+    if (!stream->ReadInt(kind)) return;
+    const Counted<Interface> track = stream->ReadObjectNumber(context);
+    if (auto* known = Cast<Track>(track.Get())) SetTrack(kind, known);
+}
+
+void Node::ReadChildren(Stream* stream, Context* context) {
+    SceneAccess::SetChildrenStored(*this);
+    ReadNumbers(stream, context, [&](const Counted<Interface>& object) {
+        auto* child = Cast<Node>(object.Get());
+        if (!child || stream->HasFailed()) return;
+        const bool fits = !child->parent_ && !child->scene_ && child != this && !IsBelow(child);
+        if (fits)
+            Link(child);
+        else
+            stream->Fail(L"a node is listed as a child twice, or below itself");
+    });
+}
+
+}  // namespace qn::k3
