@@ -2,6 +2,7 @@
 
 #include "construction/hierarchy_factory.h"
 #include "frame/host/api.h"
+#include "frame/host/generator.h"
 #include "frame/host/importer.h"
 #include "graph/lookup_table.h"
 #include "tool/failure.h"
