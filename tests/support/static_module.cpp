@@ -8,19 +8,30 @@ namespace qn::test {
 namespace {
 
 // An entry is a plain function, so what it works on stands here.
-std::vector<ClassRow> g_rows;
+struct OwnedRow {
+    const void* owner;
+    ClassRow row;
+};
+std::vector<OwnedRow> g_rows;
+const void* g_registering = nullptr;
 std::vector<ModuleCall> g_calls;
 
+void RegisterRows(ModuleHandle handle) {
+    for (const auto& [owner, row] : g_rows) {
+        if (owner == g_registering) api->RegisterExtension(handle, row.key, 0, String::FromUtf8(row.key));
+    }
+}
+
+/// Serves all static modules.
 std::uintptr_t RowsEntry(unsigned code, void* first, void* second) {
     if (code == ModuleCode::kRegister) {
-        for (const ClassRow& row : g_rows)
-            api->RegisterExtension(second, row.key, 0, String::FromUtf8(row.key));
+        RegisterRows(second);
         return 1;
     }
     if (code != ModuleCode::kCreate) return 0;
     const auto* key = static_cast<const char*>(first);
-    for (const ClassRow& row : g_rows) {
-        if (EqualKeys(row.key, key)) return reinterpret_cast<std::uintptr_t>(row.make());
+    for (const OwnedRow& owned : g_rows) {
+        if (EqualKeys(owned.row.key, key)) return reinterpret_cast<std::uintptr_t>(owned.row.make());
     }
     return 0;
 }
@@ -41,14 +52,16 @@ EntryModule::~EntryModule() {
     Modules().Remove(this);
 }
 
-StaticModule::StaticModule(std::vector<ClassRow> rows) {
-    g_rows = std::move(rows);
+StaticModule::StaticModule(const std::vector<ClassRow>& rows) {
+    for (const ClassRow& row : rows)
+        g_rows.push_back({this, row});
+    g_registering = this;
     module_ = std::make_unique<EntryModule>(&RowsEntry);
 }
 
 StaticModule::~StaticModule() {
     module_.reset();
-    g_rows.clear();
+    std::erase_if(g_rows, [&](const OwnedRow& owned) { return owned.owner == this; });
 }
 
 FakeModule::FakeModule() {

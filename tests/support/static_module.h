@@ -26,7 +26,7 @@ public:
 ///     const StaticModule g_module({{"qn.graph.instance", &MakeOf<graph::InstanceImpl>}, ...});
 class StaticModule {
 public:
-    explicit StaticModule(std::vector<ClassRow> rows);
+    explicit StaticModule(const std::vector<ClassRow>& rows);
     ~StaticModule();
     StaticModule(const StaticModule&) = delete;
     StaticModule& operator=(const StaticModule&) = delete;
