@@ -6,8 +6,8 @@
 #include <fstream>
 
 #include "importers/step/step_structure.h"
-#include "tests/importers/step_data.h"
 #include "tests/importers/step_summary.h"
+#include "tests/support/data_dir.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ void PrintTo(const StepFile& file, std::ostream* out) {
 /// The STEP files for which there is an expectation; none if the folder is not there.
 std::vector<StepFile> StepFiles() {
     std::vector<StepFile> files;
-    const json manifest = ReadJson(DataDir() / "manifest.json");
+    const json manifest = ReadJson(qn::test::DataDir() / "manifest.json");
     if (!manifest.is_array()) return files;
     for (const json& row : manifest) {
         const std::string path = row.value("file", "");
@@ -46,8 +46,8 @@ std::vector<StepFile> StepFiles() {
 class RealStepFile : public testing::TestWithParam<StepFile> {
 protected:
     void SetUp() override {
-        expected_ = ReadJson(DataDir() / GetParam().expected);
-        const auto result = qn::step::ReadStructure(DataDir() / GetParam().path);
+        expected_ = ReadJson(qn::test::DataDir() / GetParam().expected);
+        const auto result = qn::step::ReadStructure(qn::test::DataDir() / GetParam().path);
         ASSERT_TRUE(result.Ok()) << result.error;
         model_ = result.model;
         summary_ = SummaryOf(model_);

@@ -5,7 +5,7 @@
 
 #include "importers/step/step_geometry.h"
 #include "importers/step/step_structure.h"
-#include "tests/importers/step_data.h"
+#include "tests/support/data_dir.h"
 
 namespace {
 
@@ -20,14 +20,15 @@ struct Read {
 
 Read ReadAll(const std::string& file, const Tessellation& tessellation = {}) {
     Read read;
-    auto structure = ReadStructure(DataDir() / file);
+    auto structure = ReadStructure(qn::test::DataDir() / file);
     EXPECT_TRUE(structure.Ok()) << structure.error;
     read.model = std::move(structure.model);
     const auto take = [&](std::size_t definition, MeshData mesh) {
         ++read.meshCount;
         read.meshes[read.model.definitions[definition].name] = std::move(mesh);
     };
-    read.result = ReadGeometry(DataDir() / file, read.model, structure.colours, tessellation, take, nullptr);
+    read.result =
+        ReadGeometry(qn::test::DataDir() / file, read.model, structure.colours, tessellation, take, nullptr);
     EXPECT_TRUE(read.result.Ok()) << read.result.error;
     return read;
 }
@@ -57,7 +58,7 @@ double StatedVolume(const StepModel& model, const std::string& name) {
 class StepGeometry : public testing::Test {
 protected:
     void SetUp() override {
-        if (!HasData()) GTEST_SKIP() << "the folder of real files is not there";
+        if (!qn::test::HasData()) GTEST_SKIP() << qn::test::kNoData;
     }
 };
 
@@ -122,7 +123,7 @@ TEST_F(StepGeometry, GivesTheSameTrianglesInEveryRun) {
 }
 
 TEST_F(StepGeometry, StopsWhenItIsToldTo) {
-    const auto path = DataDir() / "cax-as1/as1-oc-214.stp";
+    const auto path = qn::test::DataDir() / "cax-as1/as1-oc-214.stp";
     const auto structure = ReadStructure(path);
     int meshes = 0;
     const auto result = ReadGeometry(
