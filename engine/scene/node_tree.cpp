@@ -85,8 +85,7 @@ void Node::AttachTo(Node* parent) {
     if (scene_ && static_cast<Node*>(scene_) == this) return;
     if (parent && (parent == this || parent->IsBelow(this))) return;
     const Counted<Node> hold(this);
-    Scene* scene = scene_ ? scene_ : parent ? parent->scene_ : nullptr;
-    SceneAccess::BeforeChildrenChange(scene, parent_, parent);
+    SceneAccess::BeforeMove(*this, parent);
     if (parent_) parent_->Unlink(this);
     if (parent) parent->Link(this);
 }

@@ -70,6 +70,27 @@ void SceneAccess::DetachSubtree(Scene& scene, Node& root) {
     }
 }
 
+void SceneAccess::MoveEntities(Scene& from, Scene& to) {
+    BeforeArraysChange(to);
+    const auto move = [&to](Counted<InterfaceArray>& source, Counted<InterfaceArray>& target) {
+        if (!source || source->GetCount() == 0) return;
+        if (!target) target = InterfaceArray::CreateStrong();
+        for (int i = 0; i < source->GetCount(); ++i) {
+            auto* entity = Cast<Entity>(source->Get(i));
+            if (!entity) continue;
+            entity->SetScene(&to);
+            target->Add(entity);
+            const auto* viewport = Cast<Viewport>(entity);
+            if (viewport && viewport->GetLayer()) viewport->GetLayer()->SetScene(&to);
+        }
+        source->Clear();
+    };
+    move(from.data_->layers, to.data_->layers);
+    move(from.data_->viewports, to.data_->viewports);
+    move(from.data_->entities, to.data_->entities);
+    NoteChange(to);
+}
+
 SceneUndo* SceneAccess::RecorderOf(Scene* scene) {
     return scene && scene->data_ ? scene->data_->undo.get() : nullptr;
 }
@@ -79,6 +100,18 @@ void SceneAccess::BeforeChildrenChange(Scene* scene, Node* parent, Node* otherPa
     if (!undo) return;
     if (parent) undo->BeforeChildrenChange(*parent);
     if (otherParent) undo->BeforeChildrenChange(*otherParent);
+}
+
+// Between two scenes each recorder knows its own side alone.
+void SceneAccess::BeforeMove(const Node& node, Node* parent) {
+    Scene* from = node.scene_;
+    Scene* to = parent ? parent->scene_ : nullptr;
+    if (from && to && from != to) {
+        BeforeChildrenChange(from, node.parent_, nullptr);
+        BeforeChildrenChange(to, parent, nullptr);
+    } else {
+        BeforeChildrenChange(from ? from : to, node.parent_, parent);
+    }
 }
 
 void SceneAccess::BeforeMembersChange(Scene* scene, Layer* layer) {

@@ -38,10 +38,13 @@ public:
     static void SetListed(Node& node, bool listed) { node.unlisted_ = !listed; }
     static void SetGrouped(Node& node) { node.grouped_ = true; }
     static void DetachSubtree(Scene& scene, Node& root);
+    /// Layers, viewports and entities of one scene become another's.
+    static void MoveEntities(Scene& from, Scene& to);
 
     // Undo. Each `Before...` tells the recorder of the scene (may be null), if an item is open.
     static SceneUndo* RecorderOf(Scene* scene);
     static void BeforeChildrenChange(Scene* scene, Node* parent, Node* otherParent);
+    static void BeforeMove(const Node& node, Node* parent);
     static void BeforeMembersChange(Scene* scene, Layer* layer);
     static void BeforeArraysChange(Scene& scene);
     static NodeFields FieldsOf(const Node& node, unsigned kinds);
