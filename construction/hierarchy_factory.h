@@ -13,8 +13,8 @@ class HierarchyFactory : public Extension {
 public:
     virtual Counted<LookupTable> CreateLookupTable() = 0;
     virtual Counted<Reference> CreateReference() = 0;
-    virtual Counted<Reference> CreateReferenceFromTraverser(Selector::Traverser* traverser, LookupTable* table,
-                                                            const String& id) = 0;
+    virtual Counted<Reference> CreateReferenceFromTraverser(Selector::Traverser* traverser,
+                                                            LookupTable* table, const String& id) = 0;
     virtual Counted<Selector::Traverser> CreateNodesFromSelector(const Selector& selector,
                                                                  Selector::Traverser* traverser) = 0;
     virtual Counted<k3::Node> GenerateNodes(const Selector& selector, k3::Node* root) = 0;
@@ -36,7 +36,9 @@ public:
         static const ClassRecord& record = InternClass("qn::graph::HierarchyFactory");
         return record;
     }
-    void* CastTo(const ClassRecord& wanted) override { return CastThrough<HierarchyFactory, Extension>(this, wanted); }
+    void* CastTo(const ClassRecord& wanted) override {
+        return CastThrough<HierarchyFactory, Extension>(this, wanted);
+    }
 };
 
 }  // namespace qn::graph

@@ -26,7 +26,9 @@ public:
         static const ClassRecord& record = InternClass("qn::graph::HierarchyGenerator");
         return record;
     }
-    void* CastTo(const ClassRecord& wanted) override { return CastThrough<HierarchyGenerator, Generator>(this, wanted); }
+    void* CastTo(const ClassRecord& wanted) override {
+        return CastThrough<HierarchyGenerator, Generator>(this, wanted);
+    }
 };
 
 }  // namespace qn::graph

@@ -10,8 +10,9 @@ namespace {
 
 struct Level {
     Selector source;
-    Counted<Reference> reference;
-    String file;  // entered with this level
+    Counted<Reference> reference;  ///< takes the children
+    Counted<Reference> walked;     ///< has them; another one if the reload put it in the place of the first
+    String file;                   ///< entered with this level, or empty
     unsigned next = 0;
     unsigned count = 0;
 };
@@ -42,28 +43,25 @@ private:
         if (!instance || !budget_.Take()) return;
         const Counted<Reference> reference(instance->GetReference());
         const bool enters = reference && !descent_.IsInside(reference.Get());
-        if (enters && !reference->HasNoTargetLink()) Reload(*reference);
+        const String file = enters ? FileOf(*reference) : String();
+        if (enters && !reference->HasNoTargetLink() && !descent_.IsInsideFile(file))
+            reference->ReloadExternalTarget();
         instance->SetProperty(Prop::kName, source.GetProperty(Prop::kName, 1));
         instance->AddSelector(source);
-        if (enters) Enter(source, reference);
+        if (enters) Enter(source, reference, file);
     }
 
-    void Reload(Reference& reference) {
-        if (!descent_.IsInsideFile(FileOf(reference))) reference.ReloadExternalTarget();
-    }
-
-    void Enter(const Selector& source, const Counted<Reference>& reference) {
+    void Enter(const Selector& source, const Counted<Reference>& reference, const String& file) {
+        const Counted<Reference> walked(source.GetReference());
         const int count = source.GetChildCount();
-        if (count <= 0) return;
-        const String file = FileOf(*reference);
-        descent_.Enter(reference.Get());
-        levels_.push_back(
-            {source, reference, descent_.EnterFile(file) ? file : String(), 0, static_cast<unsigned>(count)});
+        if (count <= 0 || !walked || !descent_.Enter(walked.Get())) return;
+        levels_.push_back({source, reference, walked, descent_.EnterFile(file) ? file : String(), 0,
+                           static_cast<unsigned>(count)});
     }
 
     void Leave() {
         const Level& level = levels_.back();
-        descent_.Leave(level.reference.Get());
+        descent_.Leave(level.walked.Get());
         if (level.file.NonEmpty()) descent_.LeaveFile(level.file);
         levels_.pop_back();
     }

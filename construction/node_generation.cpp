@@ -15,7 +15,7 @@ Counted<Selector::Traverser> NodeGeneration::Run(const Selector& selector, Selec
     const int length = selector.GetPathElementCount();
     for (int index = 0; index < length; ++index)
         path_.push_back(selector.GetPathElement(static_cast<unsigned>(index)));
-    NodeTraverser result = Enter(selector, *instance, NodeTraverser(start), {0, 0});
+    Position result = Enter(selector, *instance, Position(start), {0, 0});
     while (!levels_.empty()) {
         Level& level = levels_.back();
         if (level.next == level.count || budget_.IsExceeded()) {
@@ -27,7 +27,7 @@ Counted<Selector::Traverser> NodeGeneration::Run(const Selector& selector, Selec
         if (!childInstance) continue;
         const Place outside{path_.size(), base_};
         path_.push_back(childInstance.Get());
-        Enter(child, *childInstance, NodeTraverser(level.node), outside);
+        Enter(child, *childInstance, Position(level.node), outside);
     }
     if (budget_.IsExceeded()) ReportLimit(selector);
     return result;
@@ -35,29 +35,33 @@ Counted<Selector::Traverser> NodeGeneration::Run(const Selector& selector, Selec
 
 /// Where the definition lies elsewhere, the walk goes on with the instance alone, once, whatever the reload
 /// brought.
-NodeGeneration::NodeTraverser NodeGeneration::Enter(const Selector& source, Instance& instance,
-                                                    const NodeTraverser& parent, Place outside) {
+NodeGeneration::Position NodeGeneration::Enter(const Selector& source, Instance& instance,
+                                               const Position& parent, Place outside) {
     const Reference* const reference = instance.GetReference();
-    NodeTraverser result = parent;
-    const Selector* walked = &source;
+    if (!reference || reference->HasNoTargetLink())
+        return EnterHere(source, instance, parent, outside, String());
+    const String file = FileOf(*reference);
+    AdoptLinkedReference(source, descent_, budget_);
     Selector alone;
-    const bool linked = reference && !reference->HasNoTargetLink();
-    if (linked) {
-        AdoptLinkedReference(source, descent_, budget_);
-        alone.AppendPathElement(&instance);
-        walked = &alone;
-        base_ = path_.size();
-        path_.push_back(&instance);
-    }
-    const NodeTraverser node = MakeNode(*walked, instance, parent);
-    if (!node || !EnterLevel(*walked, instance, node, outside)) Restore(outside);
-    return linked ? parent : node;
+    alone.AppendPathElement(&instance);
+    base_ = path_.size();
+    path_.push_back(&instance);
+    EnterHere(alone, instance, parent, outside, file);
+    return parent;
 }
 
-NodeGeneration::NodeTraverser NodeGeneration::MakeNode(const Selector& source, Instance& instance,
-                                                       const NodeTraverser& parent) {
+NodeGeneration::Position NodeGeneration::EnterHere(const Selector& source, Instance& instance,
+                                                   const Position& parent, Place outside,
+                                                   const String& file) {
+    Position node = MakeNode(source, instance, parent);
+    if (!node || !EnterLevel(source, instance, node, outside, file)) Restore(outside);
+    return node;
+}
+
+NodeGeneration::Position NodeGeneration::MakeNode(const Selector& source, Instance& instance,
+                                                  const Position& parent) {
     if (!budget_.Take()) return {};
-    NodeTraverser node = parent->CreateChild(&instance);
+    Position node = parent->CreateChild(&instance);
     if (!node) return node;
     CopyProperties(source, *node, CopySource::kPath, false);
     const SelectorsByPath& selectors = matches_.Of(&instance);
@@ -69,15 +73,15 @@ NodeGeneration::NodeTraverser NodeGeneration::MakeNode(const Selector& source, I
 }
 
 /// False if there is nothing below. Nodes that are walked end by themselves; definitions might not.
-bool NodeGeneration::EnterLevel(const Selector& source, Instance& instance, const NodeTraverser& node,
-                                Place outside) {
+bool NodeGeneration::EnterLevel(const Selector& source, Instance& instance, const Position& node,
+                                Place outside, const String& file) {
     const int count = source.GetChildCount();
     if (count <= 0) return false;
     Level level{source, node, {}, {}, outside, 0, static_cast<unsigned>(count)};
     if (Reference* const reference = instance.GetReference(); reference && !source.GetTraverser()) {
         if (!descent_.Enter(reference)) return false;
         level.reference = Counted<Reference>(reference);
-        if (const String file = FileOf(*reference); descent_.EnterFile(file)) level.file = file;
+        if (descent_.EnterFile(file)) level.file = file;
     }
     levels_.push_back(std::move(level));
     return true;

@@ -22,14 +22,14 @@ public:
     Counted<Selector::Traverser> Run(const Selector& selector, Selector::Traverser* start);
 
 private:
-    using NodeTraverser = Counted<Selector::Traverser>;
+    using Position = Counted<Selector::Traverser>;
     struct Place {
         std::size_t size;  ///< elements of `path_`
         std::size_t base;  ///< where the present path starts in it
     };
     struct Level {
         Selector source;
-        NodeTraverser node;
+        Position node;
         Counted<Reference> reference;  ///< entered with this level, or null
         String file;                   ///< the same, or empty
         Place outside;
@@ -37,10 +37,12 @@ private:
         unsigned count = 0;
     };
 
-    NodeTraverser Enter(const Selector& source, Instance& instance, const NodeTraverser& parent,
-                        Place outside);
-    NodeTraverser MakeNode(const Selector& source, Instance& instance, const NodeTraverser& parent);
-    bool EnterLevel(const Selector& source, Instance& instance, const NodeTraverser& node, Place outside);
+    Position Enter(const Selector& source, Instance& instance, const Position& parent, Place outside);
+    Position EnterHere(const Selector& source, Instance& instance, const Position& parent, Place outside,
+                       const String& file);
+    Position MakeNode(const Selector& source, Instance& instance, const Position& parent);
+    bool EnterLevel(const Selector& source, Instance& instance, const Position& node, Place outside,
+                    const String& file);
     void LeaveLevel();
     void Restore(Place place);
     void ReportLimit(const Selector& selector) const;
