@@ -26,7 +26,9 @@ protected:
         Knot::loadExtra = nullptr;
         EXPECT_TRUE(called);
     }
-    static ResultEnum Done(bool written = true) { return written ? ResultEnum::kSuccess : ResultEnum::kWriteFailed; }
+    static ResultEnum Done(bool written = true) {
+        return written ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
+    }
 };
 
 TEST_F(Chunk, HoldsDataAndNumbers) {
@@ -89,6 +91,7 @@ TEST_F(Chunk, GivesNothingPastItsEnd) {
             EXPECT_EQ(number, 0);
             EXPECT_EQ(in.ReadData(bytes, 1, 8), 1);
             EXPECT_FALSE(in.NextChunk());
+            in.EndChunk();
         });
 }
 
@@ -133,8 +136,10 @@ TEST_F(Chunk, RefusesAnIdOfMoreThan16Bits) {
     root->saveExtra = [](Stream& out) { return Done(out.BeginChunk(0x10000)); };
 
     EXPECT_EQ(SaveToBytes(*root, *context), "");
-    EXPECT_EQ(context->GetFailureText(),
-              String(L"memory: chunk 0x1003 of an object of class test.knot: chunk id 0x10000 has more than 16 bits"));
+    EXPECT_EQ(
+        context->GetFailureText(),
+        String(
+            L"memory: chunk 0x1003 of an object of class test.knot: chunk id 0x10000 has more than 16 bits"));
 }
 
 TEST_F(Chunk, NestsToANamedLimit) {
@@ -142,7 +147,8 @@ TEST_F(Chunk, NestsToANamedLimit) {
     const auto root = MakeKnot("root");
     std::size_t opened = 1;  // the extra chunk itself
     root->saveExtra = [&](Stream& out) {
-        while (out.BeginChunk(1)) ++opened;
+        while (out.BeginChunk(1))
+            ++opened;
         return Done();
     };
 
@@ -187,7 +193,8 @@ TEST_F(Chunk, ReadsNothingOnceTheStreamHasFailed) {
     Knot::loadExtra = nullptr;
 
     EXPECT_EQ(context->Texts().size(), 1u);
-    EXPECT_NE(context->Texts()[0].find("chunk 0x1003 of object 1 of class test.knot: on purpose"), std::string::npos);
+    EXPECT_NE(context->Texts()[0].find("chunk 0x1003 of object 1 of class test.knot: on purpose"),
+              std::string::npos);
 }
 
 TEST_F(Chunk, RefusesAWriteWhileReadingAndAReadWhileWriting) {

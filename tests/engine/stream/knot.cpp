@@ -22,9 +22,11 @@ ResultEnum Knot::Save(Stream* stream, Context* context) {
         stream->WriteData(name.data(), 1, static_cast<int>(name.size()));
         stream->EndChunk();
     }
-    for (const auto& link : links) stream->WriteObjectChunk(link.Get(), context, kLinkChunk);
+    for (const auto& link : links)
+        stream->WriteObjectChunk(link.Get(), context, kLinkChunk);
     if (!weakLinks.empty() && stream->BeginChunk(kWeakChunk)) {
-        for (const auto& link : weakLinks) stream->WriteObjectNumber(link.Get(), context, true);
+        for (const auto& link : weakLinks)
+            stream->WriteObjectNumber(link.Get(), context, true);
         stream->EndChunk();
     }
     if (!saveExtra || !stream->BeginChunk(kExtraChunk)) return ResultEnum::kSuccess;
@@ -47,7 +49,8 @@ ResultEnum Knot::HandleChunk(int id, Stream* stream, Context* context) {
         links.push_back(stream->ReadObject(context));
         if (const auto* knot = Cast<Knot>(links.back().Get())) linkWasRead.push_back(knot->wasRead);
     } else if (id == kWeakChunk) {
-        while (stream->Remaining() > 0) weakLinks.emplace_back(stream->ReadObjectNumber(context).Get());
+        while (stream->Remaining() > 0)
+            weakLinks.emplace_back(stream->ReadObjectNumber(context).Get());
     } else if (id == kExtraChunk) {
         return loadExtra ? loadExtra(*stream) : ResultEnum::kSuccess;
     } else {
@@ -56,14 +59,18 @@ ResultEnum Knot::HandleChunk(int id, Stream* stream, Context* context) {
     return ResultEnum::kSuccess;
 }
 
-bool Knot::IsTypeOf(const char* type) const { return EqualKeys(type, kKey) || ReferenceSource::IsTypeOf(type); }
+bool Knot::IsTypeOf(const char* type) const {
+    return EqualKeys(type, kKey) || ReferenceSource::IsTypeOf(type);
+}
 
 const ClassRecord& Knot::StaticClass() {
     static const ClassRecord& record = InternClass("qn::test::Knot");
     return record;
 }
 
-void* Knot::CastTo(const ClassRecord& wanted) { return CastThrough<Knot, ReferenceSource>(this, wanted); }
+void* Knot::CastTo(const ClassRecord& wanted) {
+    return CastThrough<Knot, ReferenceSource>(this, wanted);
+}
 
 Counted<Knot> MakeKnot(std::string name) {
     static const bool added = (AddEngineClass({Knot::kKey, &MakeOf<Knot>}), true);

@@ -22,9 +22,9 @@ public:
     std::vector<Weak<Interface>> weakLinks;
     std::vector<bool> linkWasRead;  // of each link that is a knot: whether its body had been read by then
     bool wasRead = false;
-    Extra saveExtra;                    // writes into kExtraChunk
-    static inline Extra loadExtra;      // reads kExtraChunk; skipped if not set
-    static inline Extra saveInstead;    // stands for the whole of Save
+    Extra saveExtra;                  // writes into kExtraChunk
+    static inline Extra loadExtra;    // reads kExtraChunk; skipped if not set
+    static inline Extra saveInstead;  // stands for the whole of Save
 
     Knot& Link(Interface* object);
     Knot* At(std::size_t index) const { return Cast<Knot>(links.at(index).Get()); }

@@ -301,7 +301,8 @@ TEST(ObjectGraph, KeepsListsOfObjects) {
     const Counted<InterfaceArray> lists[] = {InterfaceArray::CreateStrong(), InterfaceArray::CreateWeak(),
                                              PointerArray::Create()};
     root->Link(leaf.Get());
-    for (const auto& list : lists) list->Add(root.Get()), list->Add(leaf.Get()), root->Link(list.Get());
+    for (const auto& list : lists)
+        list->Add(root.Get()), list->Add(leaf.Get()), root->Link(list.Get());
     lists[1]->Add(alone.Get());
 
     const auto copy = Copied(*root);

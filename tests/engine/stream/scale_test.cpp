@@ -23,14 +23,16 @@ TEST(StreamScale, SavesAndLoadsAChainOfHundredThousandLevels) {
     const auto copy = Copied(*root);
 
     int levels = 1;
-    for (const Knot* knot = copy.Get(); !knot->links.empty(); knot = knot->At(0)) ++levels;
+    for (const Knot* knot = copy.Get(); !knot->links.empty(); knot = knot->At(0))
+        ++levels;
     EXPECT_EQ(levels, kLevels);
 }
 
 TEST(StreamScale, SavesAndLoadsAHundredThousandChildren) {
     constexpr std::size_t kChildren = 100'000;
     const auto root = MakeKnot("root");
-    for (std::size_t i = 0; i < kChildren; ++i) root->Link(MakeKnot(std::to_string(i)).Get());
+    for (std::size_t i = 0; i < kChildren; ++i)
+        root->Link(MakeKnot(std::to_string(i)).Get());
 
     const auto copy = Copied(*root);
 
@@ -71,7 +73,8 @@ TEST(StreamScale, KeepsMetadataOfMetadataOfMetadata) {
     const auto copy = Copied(*root);
 
     int depth = 0;
-    for (const VarMap* next = copy->GetMetadata(false); next; next = next->GetMetadata(false)) ++depth;
+    for (const VarMap* next = copy->GetMetadata(false); next; next = next->GetMetadata(false))
+        ++depth;
     EXPECT_EQ(depth, 10'001);
 }
 
@@ -99,7 +102,8 @@ TEST(StreamScale, StoresNoiseAsItIs) {
 
 TEST(StreamScale, SpreadsBodiesOverBlocks) {
     const auto root = MakeKnot("root");
-    for (int i = 0; i < 20; ++i) root->Link(MakeKnot(std::string(300'000, static_cast<char>('a' + i))).Get());
+    for (int i = 0; i < 20; ++i)
+        root->Link(MakeKnot(std::string(300'000, static_cast<char>('a' + i))).Get());
     root->Link(MakeKnot(std::string(3'000'000, 'z')).Get());
     root->Link(MakeKnot("last").Get());
 
