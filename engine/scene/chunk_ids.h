@@ -62,8 +62,4 @@ namespace SubstitutionChunk {
 inline constexpr int kObject = 0x10;
 }  // namespace SubstitutionChunk
 
-namespace TrackChunk {
-inline constexpr int kKeys = 0x10;
-}  // namespace TrackChunk
-
 }  // namespace qn::k3

@@ -2,6 +2,7 @@
 
 // Scenes, streams and selectors of the host.
 
+#include "frame/host/descriptor.h"
 #include "frame/host/entity.h"
 #include "frame/host/generator.h"
 #include "frame/host/layer.h"
@@ -13,3 +14,5 @@
 #include "frame/host/selector.h"
 #include "frame/host/stream.h"
 #include "frame/host/undo.h"
+#include "frame/host/unique_id.h"
+#include "frame/host/view_updater.h"
