@@ -1,6 +1,7 @@
 #include "engine/import/scene_importer.h"
 
 #include "engine/runtime/byte_stream.h"
+#include "engine/scene/merge_file.h"
 #include "engine/stream/format.h"
 #include "frame/host/scene.h"
 
@@ -21,7 +22,7 @@ k3::Node* ImportSceneFile(k3::Scene* scene, const String& file, const String& na
         context->Fail(LoadFailure::kUnreadable, file + L": cannot be read");
         return nullptr;
     }
-    k3::Node* top = FastMerge(scene, context, stream.Get());
+    k3::Node* top = k3::MergeSceneBytes(*scene, stream->Rest(), file, *context);
     if (top && top->GetName().IsEmpty()) top->SetName(name.c_str());
     return top;
 }

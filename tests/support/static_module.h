@@ -21,7 +21,7 @@ public:
 };
 
 /// A module made of rows: the classes of the layers that a test program links, without the frame above them.
-/// One at a time. Usually a static object of the test program:
+/// Usually a static object of the test program:
 ///
 ///     const StaticModule g_module({{"qn.graph.instance", &MakeOf<graph::InstanceImpl>}, ...});
 class StaticModule {
