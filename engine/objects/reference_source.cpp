@@ -1,19 +1,35 @@
 #include "frame/host/reference_source.h"
 
 #include "engine/objects/chunk_ids.h"
+#include "engine/stream/stream_writer.h"
 #include "engine/values/value_copier.h"
 #include "frame/host/collections.h"
 #include "frame/host/params.h"
 #include "frame/host/stream.h"
 
+#include <vector>
+
 namespace qn {
 namespace {
 
+/// The rows that a reader will find again: a value whose object is not stored would be an empty one, and a table
+/// has none of those.
+std::vector<int> StoredRows(const Params& params, Stream* stream) {
+    std::vector<int> rows;
+    for (int i = 0; i < params.GetCount(); ++i) {
+        const Var& value = params.ValueAt(i);
+        if (!value.HoldsInterface() || IsStored(stream, value.ToInterface(), value.IsWeak())) rows.push_back(i);
+    }
+    return rows;
+}
+
 bool SaveParams(const Params& params, Stream* stream, Context* context) {
+    const std::vector<int> rows = StoredRows(params, stream);
+    if (rows.empty()) return true;
     if (!stream->BeginChunk(chunk::kParams)) return false;
-    bool written = stream->WriteInt(params.GetCount());
-    for (int i = 0; written && i < params.GetCount(); ++i)
-        written = stream->WriteInt(params.IdAt(i)) && params.ValueAt(i).Save(stream, context);
+    bool written = stream->WriteInt(static_cast<int>(rows.size()));
+    for (const int row : rows)
+        written = written && stream->WriteInt(params.IdAt(row)) && params.ValueAt(row).Save(stream, context);
     stream->EndChunk();
     return written;
 }
@@ -24,10 +40,13 @@ bool LoadParams(Params& params, Stream* stream, Context* context) {
     if (!stream->ReadInt(count) || count < 0 ||
         static_cast<std::size_t>(count) > stream->Remaining() / kLeastRow)
         return stream->Fail(L"a parameter table claims more rows than its chunk can hold");
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0, previous = 0; i < count; ++i) {
         int id = 0;
         Var value;
-        if (!stream->ReadInt(id)) return stream->Fail(L"a parameter table ends before its last row");
+        if (stream->ReadInt(id) && i > 0 && id <= previous)
+            return stream->Fail(L"a parameter table is out of order");
+        previous = id;
+        if (stream->Remaining() == 0) return stream->Fail(L"a parameter table ends before its last row");
         if (!value.Load(stream, context)) return false;
         params.SetParamVar(id, value);
     }

@@ -1,3 +1,4 @@
+#include "engine/stream/stream_writer.h"
 #include "engine/values/text_body.h"
 #include "engine/values/utf8.h"
 #include "engine/values/var_access.h"
@@ -163,7 +164,7 @@ bool TakePayload(Stream* stream, Context* context, std::uint8_t tag, bool weak, 
 }  // namespace
 
 bool Var::Save(Stream* stream, Context* context) const {
-    const bool gone = HoldsInterface() && !ToInterface();
+    const bool gone = HoldsInterface() && !IsStored(stream, ToInterface(), IsWeak());
     const Var empty;
     const Var& stored = gone ? empty : *this;
     const auto head =
