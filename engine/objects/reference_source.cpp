@@ -12,13 +12,14 @@
 namespace qn {
 namespace {
 
-/// The rows that a reader will find again: a value whose object is not stored would be an empty one, and a table
-/// has none of those.
+/// The rows that a reader will find again: a value whose object is not stored would be an empty one, and a
+/// table has none of those.
 std::vector<int> StoredRows(const Params& params, Stream* stream) {
     std::vector<int> rows;
     for (int i = 0; i < params.GetCount(); ++i) {
         const Var& value = params.ValueAt(i);
-        if (!value.HoldsInterface() || IsStored(stream, value.ToInterface(), value.IsWeak())) rows.push_back(i);
+        if (!value.HoldsInterface() || IsStored(stream, value.ToInterface(), value.IsWeak()))
+            rows.push_back(i);
     }
     return rows;
 }
@@ -43,10 +44,9 @@ bool LoadParams(Params& params, Stream* stream, Context* context) {
     for (int i = 0, previous = 0; i < count; ++i) {
         int id = 0;
         Var value;
-        if (stream->ReadInt(id) && i > 0 && id <= previous)
-            return stream->Fail(L"a parameter table is out of order");
+        if (!stream->ReadInt(id)) return stream->Fail(L"a parameter table ends before its last row");
+        if (i > 0 && id <= previous) return stream->Fail(L"a parameter table is out of order");
         previous = id;
-        if (stream->Remaining() == 0) return stream->Fail(L"a parameter table ends before its last row");
         if (!value.Load(stream, context)) return false;
         params.SetParamVar(id, value);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/stream/stream_writer.h"
+#include "frame/host/collections.h"
 #include "frame/host/stream.h"
 #include "frame/host/string.h"
 
@@ -38,6 +40,18 @@ private:
     bool open_;
     bool ok_ = true;
 };
+
+/// Writes the numbers of those entries that the file will have, as one chunk; nothing if there is none.
+inline bool WriteNumbers(Stream* stream, Context* context, int id, const InterfaceArray* list, bool weak) {
+    std::vector<Interface*> stored;
+    for (int i = 0; list && i < list->GetCount(); ++i)
+        if (IsStored(stream, list->Get(i), weak)) stored.push_back(list->Get(i));
+    if (stored.empty()) return true;
+    ChunkWriter chunk(stream, id);
+    for (Interface* object : stored)
+        if (!chunk.Number(object, context, weak).Ok()) return false;
+    return true;
+}
 
 /// Calls `take(Counted<Interface>)` for each object number up to the end of the present chunk.
 template <class Take>

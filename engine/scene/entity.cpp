@@ -37,12 +37,7 @@ ResultEnum Entity::Save(Stream* stream, Context* context) {
     bool written = true;
     if (name_.NonEmpty()) written = ChunkWriter(stream, EntityChunk::kName).Text(name_).Ok();
     if (type_ != kTypeEntity && written) written = ChunkWriter(stream, EntityChunk::kType).Int(type_).Ok();
-    if (written && dependants_ && dependants_->GetCount() > 0) {
-        ChunkWriter chunk(stream, EntityChunk::kDependants);
-        for (int i = 0; i < dependants_->GetCount() && chunk.Ok(); ++i)
-            if (Interface* object = dependants_->Get(i)) chunk.Number(object, context, true);
-        written = chunk.Ok();
-    }
+    written = written && WriteNumbers(stream, context, EntityChunk::kDependants, dependants_.Get(), true);
     return written ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
 }
 

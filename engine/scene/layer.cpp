@@ -41,12 +41,8 @@ ResultEnum Layer::Save(Stream* stream, Context* context) {
     if (const ResultEnum base = Entity::Save(stream, context); base != ResultEnum::kSuccess) return base;
     if (displayName_.NonEmpty() && !ChunkWriter(stream, LayerChunk::kDisplayName).Text(displayName_).Ok())
         return ResultEnum::kWriteFailed;
-    const PointerArray* members = GetMembers();
-    if (!members || members->GetCount() == 0) return ResultEnum::kSuccess;
-    ChunkWriter chunk(stream, LayerChunk::kMembers);
-    for (int i = 0; i < members->GetCount() && chunk.Ok(); ++i)
-        if (Interface* member = members->Get(i)) chunk.Number(member, context, true);
-    return chunk.Ok() ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
+    return WriteNumbers(stream, context, LayerChunk::kMembers, GetMembers(), true) ? ResultEnum::kSuccess
+                                                                                   : ResultEnum::kWriteFailed;
 }
 
 ResultEnum Layer::HandleChunk(int id, Stream* stream, Context* context) {

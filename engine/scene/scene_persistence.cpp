@@ -6,14 +6,6 @@
 namespace qn::k3 {
 namespace {
 
-bool WriteArray(Stream* stream, Context* context, int id, const InterfaceArray* array) {
-    if (!array || array->GetCount() == 0) return true;
-    ChunkWriter chunk(stream, id);
-    for (int i = 0; i < array->GetCount() && chunk.Ok(); ++i)
-        if (Interface* object = array->Get(i)) chunk.Number(object, context, false);
-    return chunk.Ok();
-}
-
 template <class T>
 void ReadArray(Stream* stream, Context* context, InterfaceArray& array) {
     ReadNumbers(stream, context, [&](const Counted<Interface>& object) {
@@ -38,9 +30,9 @@ ResultEnum Scene::Save(Stream* stream, Context* context) {
     bool written = true;
     if (data_->time != 0.0f)
         written = ChunkWriter(stream, SceneChunk::kTime).Bytes(&data_->time, sizeof(float), 1).Ok();
-    written = written && WriteArray(stream, context, SceneChunk::kLayers, data_->layers.Get()) &&
-              WriteArray(stream, context, SceneChunk::kViewports, data_->viewports.Get()) &&
-              WriteArray(stream, context, SceneChunk::kEntities, data_->entities.Get());
+    written = written && WriteNumbers(stream, context, SceneChunk::kLayers, data_->layers.Get(), false) &&
+              WriteNumbers(stream, context, SceneChunk::kViewports, data_->viewports.Get(), false) &&
+              WriteNumbers(stream, context, SceneChunk::kEntities, data_->entities.Get(), false);
     return written ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
 }
 

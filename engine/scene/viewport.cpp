@@ -12,11 +12,11 @@ ResultEnum Viewport::Save(Stream* stream, Context* context) {
     bool written = true;
     if (kind_ != ViewKind::kOther)
         written = ChunkWriter(stream, ViewportChunk::kKind).Int(static_cast<int>(kind_)).Ok();
-    if (Node* node = GetViewNode(); node && written)
+    if (Node* node = GetViewNode(); written && IsStored(stream, node, true))
         written = ChunkWriter(stream, ViewportChunk::kViewNode).Number(node, context, true).Ok();
     if (layer_ && written)
         written = ChunkWriter(stream, ViewportChunk::kLayer).Number(layer_.Get(), context, false).Ok();
-    if (Entity* companion = GetCompanion(); companion && written)
+    if (Entity* companion = GetCompanion(); written && IsStored(stream, companion, true))
         written = ChunkWriter(stream, ViewportChunk::kCompanion).Number(companion, context, true).Ok();
     return written ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
 }

@@ -35,27 +35,38 @@ StreamWriter::StreamWriter(std::string name, Context& context, bool expandGenera
 
 StreamWriter::~StreamWriter() = default;
 
+// Only when all bodies are written is it known which weak values lead nowhere. If there are any, all is
+// written once more, now without them, for a file that is loaded and saved again is to be the same.
 std::string StreamWriter::Write(Interface& root) {
-    const std::uint32_t rootRecord = Register(root);
-    if (rootRecord == kNoRecord) {
-        FailWith(LoadFailure::kDefect, "nothing can write the root object");
-        return {};
-    }
-    if (!WriteBodies()) return {};
-    graph_.Resize(records_.size());
-    const auto order = OrderFrom(graph_, rootRecord);
+    if (!WriteBodies(root)) return {};
+    if (LearnLooseEnds() && !WriteBodies(root)) return {};
+    const auto order = OrderFrom(graph_, 0);
     PatchNumbers(order);
     report_.objects = static_cast<std::uint32_t>(order.size());
     return Assemble(order);
 }
 
-bool StreamWriter::WriteBodies() {
+bool StreamWriter::WriteBodies(Interface& root) {
+    if (Register(root) == kNoRecord)
+        return FailWith(LoadFailure::kDefect, "nothing can write the root object");
     for (std::uint32_t record = 0; record < records_.size(); ++record) {
         if (record % kCancelStep == 0 && context_.IsCancelled())
             return FailWith(LoadFailure::kCancelled, "cancelled");
         if (!records_[record].saved && !WriteBody(record)) return false;
     }
     return !failed_;
+}
+
+bool StreamWriter::LearnLooseEnds() {
+    for (const WeakLink& link : weakLinks_)
+        if (!recordOf_.contains(link.target)) looseEnds_.insert(link.target);
+    if (looseEnds_.empty()) return false;
+    report_ = {};
+    bytes_.clear(), records_.clear(), recordOf_.clear(), places_.clear(), weakLinks_.clear();
+    graph_ = {};
+    classKeys_.clear(), classNumberOf_.clear();
+    objects_.clear();
+    return true;
 }
 
 bool StreamWriter::WriteBody(std::uint32_t record) {
@@ -269,6 +280,15 @@ bool StreamWriter::FailWith(LoadFailure kind, const std::string& cause) {
     }
     context_.Fail(kind, String::FromUtf8(text + cause));
     return false;
+}
+
+bool StreamWriter::LeavesOut(Interface& object, bool weak) const {
+    return (weak && looseEnds_.contains(&object)) || !CanBeWritten(object, object.GetInterfaceName());
+}
+
+bool IsStored(Stream* stream, Interface* object, bool weak) {
+    const auto* writer = Cast<StreamWriter>(stream);
+    return object && !(writer && writer->LeavesOut(*object, weak));
 }
 
 const ClassRecord& StreamWriter::StaticClass() {

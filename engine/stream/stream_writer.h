@@ -8,6 +8,7 @@
 #include <deque>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace qn {
@@ -25,6 +26,8 @@ public:
     std::string Write(Interface& root);
     /// Whether nodes that a generator made are to be stored, too.
     bool ExpandsGenerated() const { return expandGenerated_; }
+    /// Whether the object will not be in the file: nothing can write it, or `weak` values alone name it.
+    bool LeavesOut(Interface& object, bool weak) const;
     const SaveReport& GetReport() const { return report_; }
 
     bool BeginChunk(unsigned id) override;
@@ -78,7 +81,9 @@ private:
     bool Append(const void* data, std::size_t size);
     std::uint32_t Register(Interface& object);
     std::uint32_t ClassNumberOf(const char* key);
-    bool WriteBodies();
+    bool WriteBodies(Interface& root);
+    /// Forgets everything but the weak links that lead nowhere; false if there is none, or if they are known.
+    bool LearnLooseEnds();
     bool WriteBody(std::uint32_t record);
     ResultEnum SaveObject(Interface& object);
     void KeepBody(Body& body);
@@ -98,8 +103,9 @@ private:
     std::size_t openCount_ = 0;
     std::string bytes_;  // finished bodies
     std::vector<Record> records_;
-    std::vector<Counted<Interface>> objects_;      // beside records_
-    std::vector<Counted<Interface>> weakTargets_;  // so that no address is used twice
+    std::vector<Counted<Interface>> objects_;         // beside records_
+    std::vector<Counted<Interface>> weakTargets_;     // so that no address is used twice
+    std::unordered_set<const Interface*> looseEnds_;  // named by weak values alone
     std::unordered_map<const Interface*, std::uint32_t> recordOf_;
     scene_file::ReferenceGraph graph_;
     std::vector<std::size_t> places_;  // of the numbers, beside the graph's targets
@@ -107,5 +113,9 @@ private:
     std::vector<std::string> classKeys_;
     std::unordered_map<std::string, std::uint32_t> classNumberOf_;
 };
+
+/// Whether a reader of what is written here will find the object. Classes that leave out what is not stored
+/// are stored the same way again after a load.
+bool IsStored(Stream* stream, Interface* object, bool weak);
 
 }  // namespace qn

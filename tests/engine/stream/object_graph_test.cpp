@@ -192,6 +192,19 @@ TEST(ObjectGraph, GivesTheSameBytesAgain) {
     EXPECT_EQ(Saved(*Loaded(bytes)), bytes);
 }
 
+TEST(ObjectGraph, GivesTheSameBytesAgainAfterALinkThatLeadsNowhere) {
+    const auto root = MakeKnot("root"), alone = MakeKnot("alone");
+    const auto bare = Make<Bare>();
+    root->SetParamVar(5, Var(alone.Get(), 0)), root->SetParamVar(6, Var(bare.Get(), 1));
+    root->SetMetaValue(Var("weak"), Var(alone.Get(), 0)), root->SetMetaValue(Var("bare"), Var(bare.Get(), 1));
+    root->SetMetaValue(Var("dead"), Var(MakeKnot("dead").Get(), 0));
+
+    const auto bytes = Saved(*root);
+
+    EXPECT_EQ(Saved(*Loaded(bytes)), bytes);
+    EXPECT_EQ(root->GetMetadata(false)->GetCount(), 3);
+}
+
 TEST(ObjectGraph, LeavesOutWhatNothingCanWriteAndCountsIt) {
     const auto context = MakeContext();
     const auto root = MakeKnot("root");
