@@ -58,7 +58,7 @@ TEST(CreateNodesFromSelector, GivesNullWhereNoNodeCanBeMade) {
 }
 
 TEST(CreateNodesFromSelector, MakesAndFillsANodeBeforeItsChildren) {
-    const auto car = AssemblyBuilder("car").Child("wheel").Child("chassis").Build();
+    const auto car = AssemblyBuilder("car").Child("wheel").Child("chassis").WithoutTable().Build();
     std::vector<std::string> log;
     const auto top = Make<FakeTraverser>(&log);
     Factory()->CreateNodesFromSelector(car.Path({"car"}), top.Get());
