@@ -7,6 +7,7 @@
 #include "frame/host/importer.h"
 #include "frame/host/scene.h"
 
+#include <algorithm>
 #include <exception>
 
 namespace qn {
