@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -10,7 +11,8 @@ enum class Cause {
     kNone,
     kUnreadable,  ///< it cannot be opened or read
     kMalformed,   ///< it is no STEP file, or a damaged one
-    kMemory
+    kMemory,
+    kCancelled
 };
 
 /// Why a file could not be read. Thrown inside the reader only; `ReadStructure` and
@@ -25,5 +27,13 @@ public:
 private:
     Cause cause_;
 };
+
+/// Asked from time to time while a file is read. False stops the reading, with Cause::kCancelled.
+using Poll = std::function<bool()>;
+
+/// Throws ReadFailure if there is a poll and it wants to stop.
+inline void Check(const Poll& poll) {
+    if (poll && !poll()) throw ReadFailure("cancelled", Cause::kCancelled);
+}
 
 }  // namespace qn::step

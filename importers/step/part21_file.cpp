@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "importers/step/part21_error.h"
 #include "importers/step/part21_lexer.h"
 
 namespace qn::step {
@@ -13,6 +12,7 @@ constexpr std::string_view kMagic = "ISO-10303-21";
 constexpr std::string_view kEndOfFile = "END-ISO-10303-21";
 constexpr std::string_view kEndOfSection = "ENDSEC";
 constexpr std::string_view kUtf8Mark = "\xef\xbb\xbf";
+constexpr std::size_t kEntitiesBetweenPolls = 1 << 16;
 
 const struct {
     std::string_view keyword;
@@ -54,17 +54,17 @@ std::size_t Index(EntityKind kind) {
 
 }  // namespace
 
-ExchangeFile::ExchangeFile(std::string bytes) : bytes_(std::move(bytes)) {
+ExchangeFile::ExchangeFile(std::string bytes, const Poll& poll) : bytes_(std::move(bytes)) {
     if (bytes_.empty()) throw ReadFailure("the file is empty");
     Lexer lexer(bytes_, bytes_.compare(0, kUtf8Mark.size(), kUtf8Mark) == 0 ? kUtf8Mark.size() : 0);
     lexer.SkipBlanks();
     if (lexer.Keyword() != kMagic) throw ReadFailure("not a STEP file: it does not begin with ISO-10303-21");
     lexer.Expect(';', "after ISO-10303-21");
-    ReadSections(lexer);
+    ReadSections(lexer, poll);
     SortEntries();
 }
 
-void ExchangeFile::ReadSections(Lexer& lexer) {
+void ExchangeFile::ReadSections(Lexer& lexer, const Poll& poll) {
     bool hasData = false;
     for (;;) {
         lexer.SkipBlanks();
@@ -82,7 +82,7 @@ void ExchangeFile::ReadSections(Lexer& lexer) {
         if (section == "HEADER")
             ReadHeader(lexer);
         else if (section == "DATA")
-            ReadData(lexer);
+            ReadData(lexer, poll);
         else
             SkipSection(lexer);
     }
@@ -107,8 +107,9 @@ void ExchangeFile::ReadHeader(Lexer& lexer) {
     }
 }
 
-void ExchangeFile::ReadData(Lexer& lexer) {
+void ExchangeFile::ReadData(Lexer& lexer, const Poll& poll) {
     for (;;) {
+        if (entries_.size() % kEntitiesBetweenPolls == 0) Check(poll);
         lexer.SkipBlanks();
         if (lexer.Accept('#')) {
             AddEntity(lexer);
@@ -184,6 +185,10 @@ void ExchangeFile::SortEntries() {
 }
 
 const ExchangeFile::Entry* ExchangeFile::Find(EntityId id) const {
+    // Most files number their entities without gaps.
+    if (entries_.empty() || id < entries_.front().id) return nullptr;
+    const std::size_t guess = id - entries_.front().id;
+    if (guess < entries_.size() && entries_[guess].id == id) return &entries_[guess];
     const auto found =
         std::lower_bound(entries_.begin(), entries_.end(), id,
                          [](const Entry& entry, EntityId wanted) { return entry.id < wanted; });

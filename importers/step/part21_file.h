@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "importers/step/part21_error.h"
 #include "importers/step/part21_record.h"
 
 namespace qn::step {
@@ -38,7 +39,7 @@ class ExchangeFile {
 public:
     /// Takes the file's bytes. Throws ReadFailure if the outline of the file is damaged: no header,
     /// a section that is not closed, an entity without number or end.
-    explicit ExchangeFile(std::string bytes);
+    explicit ExchangeFile(std::string bytes, const Poll& poll = nullptr);
 
     ExchangeFile(const ExchangeFile&) = delete;
     ExchangeFile& operator=(const ExchangeFile&) = delete;
@@ -62,9 +63,9 @@ private:
     };
 
     void ReadHeader(Lexer& lexer);
-    void ReadData(Lexer& lexer);
+    void ReadData(Lexer& lexer, const Poll& poll);
     void SkipSection(Lexer& lexer);
-    void ReadSections(Lexer& lexer);
+    void ReadSections(Lexer& lexer, const Poll& poll);
     void AddEntity(Lexer& lexer);
     EntityKind Classify(Lexer& lexer, EntityId id);
     EntityKind ClassifyComplex(Lexer& lexer, EntityId id);

@@ -34,6 +34,7 @@ std::string Shown(char c) {
 }
 
 constexpr std::size_t kLongestNumber = 128;
+constexpr std::size_t kUsualParameters = 4;  ///< room made at once
 
 }  // namespace
 
@@ -226,6 +227,7 @@ Params Lexer::ParameterList(int depth) {
     Expect('(', "before parameters");
     Params params;
     if (Accept(')')) return params;
+    params.reserve(kUsualParameters);
     do {
         params.push_back(Parameter(depth));
     } while (Accept(','));

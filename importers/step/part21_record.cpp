@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "importers/step/part21_lexer.h"
 #include "importers/step/part21_text.h"
@@ -30,12 +31,18 @@ const Params* Record::Find(std::string_view keyword) const {
     return found == parts.end() ? nullptr : &found->params;
 }
 
-Params Record::Attributes(std::initializer_list<std::string_view> partsOfComplex) const {
+Params Record::Attributes(std::initializer_list<std::string_view> partsOfComplex) const& {
+    return Record(*this).Attributes(partsOfComplex);
+}
+
+Params Record::Attributes(std::initializer_list<std::string_view> partsOfComplex) && {
     if (parts.empty()) return {};
-    if (parts.size() == 1) return parts.front().params;
+    if (parts.size() == 1) return std::move(parts.front().params);
     Params all;
     for (const std::string_view keyword : partsOfComplex)
-        if (const Params* params = Find(keyword)) all.insert(all.end(), params->begin(), params->end());
+        for (RecordPart& part : parts)
+            if (part.keyword == keyword)
+                std::move(part.params.begin(), part.params.end(), std::back_inserter(all));
     return all;
 }
 

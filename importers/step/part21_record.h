@@ -55,7 +55,8 @@ struct Record {
 
     /// Attributes in their order of inheritance: a simple record's parameters, or those of the
     /// named parts of a complex record one after the other. Parts that are missing add nothing.
-    Params Attributes(std::initializer_list<std::string_view> partsOfComplex) const;
+    Params Attributes(std::initializer_list<std::string_view> partsOfComplex) const&;
+    Params Attributes(std::initializer_list<std::string_view> partsOfComplex) &&;
 };
 
 /// Reads the record that begins at `text[at]`, which may be simple or complex.

@@ -43,6 +43,7 @@ LoadFailure FailureOf(Cause cause) {
         case Cause::kMemory:
             return LoadFailure::kLimit;
         case Cause::kNone:
+        case Cause::kCancelled:
         case Cause::kMalformed:
             break;
     }
@@ -65,7 +66,8 @@ public:
         : file_(file), path_(file.ToUtf8()), top_(top), context_(context), options_(OptionsOf(context)) {}
 
     ResultEnum Run() {
-        StructureResult read = ReadStructure(path_);
+        const StructureResult read = ReadStructure(path_, [&] { return context_.ReportProgress(0); });
+        if (read.cause == Cause::kCancelled) return ResultEnum::kNothing;
         if (!read.Ok()) return Fail(FailureOf(read.cause), read.error);
         Warn(context_, file_, read.model.warnings);
         if (!context_.ReportProgress(options_.structureOnly ? 0.5 : kStructureShare))

@@ -29,17 +29,21 @@ std::string ReadBytes(const std::filesystem::path& path) {
     return bytes;
 }
 
-StructureResult ReadModel(std::string bytes) {
-    const ExchangeFile file(std::move(bytes));
+StructureResult ReadModel(std::string bytes, const Poll& poll) {
+    const ExchangeFile file(std::move(bytes), poll);
     StructureResult result;
     StepModel& model = result.model;
     model.schemas = file.Schemas();
     model.warnings = file.Warnings();
+    Check(poll);
     const StructureIndex index = ReadProducts(file, model);
     if (model.definitions.empty()) throw ReadFailure("the file holds no product definition");
+    Check(poll);
     ReadShapes(file, index, model);
+    Check(poll);
     ReadProperties(file, index, model);
     ReadDocuments(file, index, model);
+    Check(poll);
     result.colours = ReadColours(file);
     ApplyColours(result.colours, model);
     return result;
@@ -67,12 +71,12 @@ StructureResult Guarded(const std::string& name, Read&& read) {
 
 }  // namespace
 
-StructureResult ReadStructure(const std::filesystem::path& path) {
-    return Guarded(path.string(), [&] { return ReadModel(ReadBytes(path)); });
+StructureResult ReadStructure(const std::filesystem::path& path, const Poll& poll) {
+    return Guarded(path.string(), [&] { return ReadModel(ReadBytes(path), poll); });
 }
 
-StructureResult ReadStructure(std::string bytes, const std::string& name) {
-    return Guarded(name, [&] { return ReadModel(std::move(bytes)); });
+StructureResult ReadStructure(std::string bytes, const std::string& name, const Poll& poll) {
+    return Guarded(name, [&] { return ReadModel(std::move(bytes), poll); });
 }
 
 }  // namespace qn::step

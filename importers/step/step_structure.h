@@ -21,9 +21,9 @@ struct StructureResult {
 
 /// Reads the product structure of a STEP file: no geometry is built, no other file is opened.
 /// The time is linear in the size of the file. Throws nothing.
-StructureResult ReadStructure(const std::filesystem::path& path);
+StructureResult ReadStructure(const std::filesystem::path& path, const Poll& poll = nullptr);
 
 /// The same from the bytes of a file. `name` is what errors call it.
-StructureResult ReadStructure(std::string bytes, const std::string& name);
+StructureResult ReadStructure(std::string bytes, const std::string& name, const Poll& poll = nullptr);
 
 }  // namespace qn::step
