@@ -2,6 +2,7 @@
 
 #include "engine/scene/scene_access.h"
 #include "engine/scene/tree_walk.h"
+#include "frame/host/context.h"
 #include "frame/host/generator.h"
 #include "frame/host/params.h"
 
@@ -22,10 +23,9 @@ std::uint64_t FingerprintBelow(const Node& root) {
         if (VarMap* metadata = node.GetMetadata(false); metadata && metadata->GetCount() > 0)
             print = Mixed(Mixed(print, place), Var(metadata, 1).Hash());
         const Params* params = node.GetParams(false);
-        for (int i = 0; params && i < params->GetCount(); ++i) {
-            const Var& value = params->ValueAt(i);
-            if (value.IsMap() || value.IsArray()) print = Mixed(Mixed(print, place), value.Hash());
-        }
+        for (int i = 0; params && i < params->GetCount(); ++i)
+            print =
+                Mixed(Mixed(print, static_cast<std::uint64_t>(params->IdAt(i))), params->ValueAt(i).Hash());
     });
     return print;
 }
@@ -60,21 +60,30 @@ bool AwaitsGeneration(const Node& node) {
            HasUsableGenerator(node);
 }
 
+namespace {
+
+/// False if the generator refused, or broke off with a failure in the context.
+bool Generate(Node& node, Context* context) {
+    const Counted<Generator> generator(Generator::Get(&node));
+    const bool failedBefore = context && context->GetFailure() != LoadFailure::kNone;
+    if (!Succeeded(generator->Generate(&node, context))) return false;
+    if (context && !failedBefore && context->GetFailure() != LoadFailure::kNone) return false;
+    MarkGenerated(node);
+    return true;
+}
+
+}  // namespace
+
 int GenerateMissing(Scene& scene, Context* context) {
     int generated = 0;
     scene.BeginUpdate();
-    Counted<Node> node(&scene);
-    while (node) {
-        if (AwaitsGeneration(*node)) {
-            const Counted<Generator> generator(Generator::Get(node.Get()));
-            if (!Succeeded(generator->Generate(node.Get(), context))) {
-                generated = -1;
-                break;
-            }
-            MarkGenerated(*node);
-            ++generated;
+    for (Counted<Node> node(&scene); node; node = Counted<Node>(NextInSubtree(node.Get(), &scene))) {
+        if (!AwaitsGeneration(*node)) continue;
+        if (!Generate(*node, context)) {
+            generated = -1;
+            break;
         }
-        node = Counted<Node>(NextInSubtree(node.Get(), &scene));
+        ++generated;
     }
     scene.EndUpdate();
     return generated;

@@ -28,7 +28,8 @@ bool CanGenerateChildren(const Node& node);
 bool AwaitsGeneration(const Node& node);
 
 /// Generates the children of every node of the scene that awaits it, those of generated nodes included. The
-/// number of nodes that got their content; -1 if a generator failed.
+/// number of nodes that got their content; -1, with the walk ended, if a generator
+/// refused or left a failure in the context.
 int GenerateMissing(Scene& scene, Context* context);
 
 }  // namespace k3

@@ -46,6 +46,16 @@ VarMap* Node::GetMetadata(bool create) const {
     return ReferenceSource::GetMetadata(create);
 }
 
+Params* Node::GetParams(bool create) {
+    if (create) SceneAccess::Touch(*this);
+    return ReferenceSource::GetParams(create);
+}
+
+void Node::SetParams(Params* params) {
+    ReferenceSource::SetParams(params);
+    Changed();
+}
+
 void Node::SetMetadata(VarMap* map) {
     ReferenceSource::SetMetadata(map);
     Changed();

@@ -3,6 +3,7 @@
 #include "engine/scene/generated_content.h"
 #include "engine/scene/scene_access.h"
 #include "engine/stream/stream_writer.h"
+#include "frame/host/generator.h"
 
 namespace qn::k3 {
 namespace {
@@ -144,7 +145,7 @@ void Node::ReadTrack(Stream* stream, Context* context) {
 }
 
 void Node::ReadChildren(Stream* stream, Context* context) {
-    SceneAccess::SetChildrenStored(*this);
+    if (Generator::Get(this)) SceneAccess::SetChildrenStored(*this);
     ReadNumbers(stream, context, [&](const Counted<Interface>& object) {
         auto* child = Cast<Node>(object.Get());
         if (!child || stream->HasFailed()) return;

@@ -102,6 +102,8 @@ public:
     void DeleteParam(int id) override;
     VarMap* GetMetadata(bool create) const override;
     void SetMetadata(VarMap* map) override;
+    Params* GetParams(bool create) override;
+    void SetParams(Params* params) override;
 
     ResultEnum Save(Stream* stream, Context* context) override;
     ResultEnum HandleChunk(int id, Stream* stream, Context* context) override;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/host/collections.h"
+#include "frame/host/context.h"
 #include "frame/host/generator.h"
 #include "frame/host/node.h"
 #include "frame/host/stream.h"
@@ -10,7 +11,7 @@ namespace qn::test {
 /// Makes one child for each value of an array, named by it.
 class FakeGenerator : public k3::Generator {
 public:
-    ResultEnum Generate(Extension* target, Context*) override {
+    ResultEnum Generate(Extension* target, Context* context) override {
         auto* node = Cast<k3::Node>(target);
         if (!node) return ResultEnum::kWrongClass;
         if (refuses) return ResultEnum::kNothing;
@@ -19,6 +20,7 @@ public:
             node->_RemoveChild(child, true);
         for (int i = 0; i < names->GetCount(); ++i)
             node->CreateChildNode(0, 0, 0)->SetName(names->Get(i).ToText().c_str());
+        if (failsWith != LoadFailure::kNone) context->Fail(failsWith, L"failed");
         return ResultEnum::kSuccess;
     }
     Interface* GetGeneratedRoot() const override { return hasRoot ? names.Get() : nullptr; }
@@ -41,6 +43,7 @@ public:
     Counted<VarArray> names = VarArray::Create();
     bool hasRoot = true;
     bool refuses = false;
+    LoadFailure failsWith = LoadFailure::kNone;
     int generated = 0;
     int detached = 0;
     ReferenceSource* attachedTo = nullptr;

@@ -2,6 +2,7 @@
 
 #include "engine/runtime/class_table.h"
 #include "engine/stream/scene_file.h"
+#include "frame/host/params.h"
 #include "tests/engine/scene/fake_generator.h"
 #include "tests/engine/scene/scene_tests.h"
 #include "tests/support/recording_context.h"
@@ -49,6 +50,12 @@ TEST_F(GeneratedContent, IsMadeWhereItIsMissing) {
 TEST_F(GeneratedContent, ARefusingGeneratorIsReported) {
     generator_->refuses = true;
     EXPECT_EQ(GenerateMissing(*scene_, context_.Get()), -1);
+}
+
+TEST_F(GeneratedContent, AFailureInTheContextEndsTheWalk) {
+    generator_->failsWith = LoadFailure::kLimit;
+    EXPECT_EQ(GenerateMissing(*scene_, context_.Get()), -1);
+    EXPECT_FALSE(CanGenerateChildren(*top_)) << "what is there is not all";
 }
 
 TEST_F(GeneratedContent, GeneratorsBelowGeneratedNodesRunToo) {
@@ -134,6 +141,15 @@ TEST_F(GeneratedContent, MetadataEditedInPlaceIsNoticed) {
     MarkGenerated(*top_);
     EXPECT_TRUE(CanGenerateChildren(*top_));
     metadata->At(Var(L"k")) = Var(2);
+    EXPECT_FALSE(CanGenerateChildren(*top_));
+}
+
+TEST_F(GeneratedContent, AParameterEditedInTheTableIsNoticed) {
+    Generate();
+    top_->GetFirstChild()->SetParamVar(Param::kBsId, Var(L"1"));
+    MarkGenerated(*top_);
+    EXPECT_TRUE(CanGenerateChildren(*top_));
+    top_->GetFirstChild()->GetParams(false)->SetParamVar(Param::kBsId, Var(L"2"));
     EXPECT_FALSE(CanGenerateChildren(*top_));
 }
 

@@ -1,3 +1,4 @@
+#include "engine/scene/undo_recorder.h"
 #include "tests/engine/scene/fake_graph.h"
 #include "tests/engine/scene/scene_tests.h"
 
@@ -426,6 +427,18 @@ TEST_F(Undo, ItemsAreTakenBackInReverseOrder) {
     undo_->Redo();
     EXPECT_EQ(TreeText(*scene_), "s(a)");
     EXPECT_FALSE(undo_->Redo());
+}
+
+TEST_F(Undo, TheTextAtTheEndIsTheItemsText) {
+    const auto item = [&](const wchar_t* begin, const wchar_t* end) {
+        undo_->BeginItem(begin);
+        undo_->RecordName(a_, 0);
+        undo_->EndItem(end);
+    };
+    item(L"one", nullptr);
+    item(L"two", L"");
+    item(L"three", L"four");
+    EXPECT_EQ(static_cast<SceneUndo*>(undo_)->GetUndoTexts(), (std::vector<String>{L"one", L"two", L"four"}));
 }
 
 TEST_F(Undo, ANewItemEndsRedo) {
