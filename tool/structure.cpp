@@ -35,11 +35,11 @@ bool IsContainer(const Reference& reference) {
 
 /// Node to parent as generation makes it: the definition's own transform first, then that of the use.
 Matrix4<double> LocalMatrix(const Reference* reference, const Var& ofUse) {
-    Matrix4<double> use, definition;
-    const bool placed = ofUse.copy_to(use);
-    if (!reference || !reference->GetProperty(Prop::kLocalMatrix, 0).copy_to(definition)) return use;
-    if (placed) definition.SetMul(definition, use);
-    return definition;
+    const Var ofDefinition = reference ? reference->GetProperty(Prop::kLocalMatrix, 0) : Var();
+    Matrix4<double> local, use;
+    if (ofDefinition.IsMatrix()) ofDefinition.copy_to(local);
+    if (ofUse.IsMatrix() && ofUse.copy_to(use)) local.SetMul(local, use);
+    return local;
 }
 
 class Reader {

@@ -141,7 +141,7 @@ TEST_P(StepRoad, SharesADefinitionAfterTheLoadAsBefore) {
     ASSERT_TRUE(generator);
     EXPECT_EQ(definitionsBelow(generator->GetRootReference()),
               definitionsBelow(generator_->GetRootReference()));
-    EXPECT_EQ(SaveSceneToBytes(*loaded, *context_), bytes);
+    EXPECT_TRUE(SaveSceneToBytes(*loaded, *context_) == bytes) << "the bytes differ";
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, StepRoad, testing::ValuesIn(DataFiles({".stp", ".step"})),

@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <ostream>
 
 namespace assembly::tests {
 namespace {
@@ -40,6 +41,10 @@ constexpr StepFile kFiles[] = {
     {"small", "red_cube_blue_cylinder.step"},
     {"small", "eight_cyl.stp"},
 };
+
+void PrintTo(const StepFile& file, std::ostream* out) {
+    *out << file.name;
+}
 
 class StepFiles : public testing::TestWithParam<StepFile> {
 protected:
