@@ -42,6 +42,7 @@ NodeGeneration::Position NodeGeneration::Enter(const Selector& source, Instance&
         return EnterHere(source, instance, parent, outside, String());
     const String file = FileOf(*reference);
     AdoptLinkedReference(source, descent_, budget_);
+    ++state_;
     Selector alone;
     alone.AppendPathElement(&instance);
     base_ = path_.size();
@@ -63,10 +64,10 @@ NodeGeneration::Position NodeGeneration::MakeNode(const Selector& source, Instan
     if (!budget_.Take()) return {};
     Position node = parent->CreateChild(&instance);
     if (!node) return node;
-    CopyProperties(source, *node, CopySource::kPath, false);
-    const SelectorsByPath& selectors = matches_.Of(&instance);
-    if (!selectors.IsEmpty())
-        selectors.ForEachMatch(std::span(path_).subspan(base_), [&](const Selector& match) {
+    MetInstance& met = met_.Of(&instance);
+    met.CopyTo(*node, source, state_);
+    if (const SelectorsByPath* const selectors = met.GetSelectors())
+        selectors->ForEachMatch(std::span(path_).subspan(base_), [&](const Selector& match) {
             CopyProperties(match, *node, CopySource::kSelector, false);
         });
     return node;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "construction/descent.h"
-#include "construction/selector_matches.h"
+#include "construction/met_instances.h"
 #include "frame/host/selector.h"
 #include "graph/instance.h"
 #include "graph/limits.h"
@@ -48,7 +48,8 @@ private:
     void ReportLimit(const Selector& selector) const;
 
     OccurrenceBudget budget_;
-    SelectorMatchCache matches_;
+    MetInstances met_;
+    unsigned state_ = 0;  ///< of the hierarchy; counts what adoptions may have changed
     Descent descent_;
     std::vector<Instance*>
         path_;  ///< of all levels; a definition that lies elsewhere starts a path of its own

@@ -33,18 +33,38 @@ PropertySet SkippedBy(CopySource kind, bool withMetadata) {
     return withMetadata ? kSelectorOnly : kSelectorOnlyAndMetadata;
 }
 
+/// Calls `visit(PropEnum, const Var&)` for what a copy takes over.
+template <class Visit>
+void ForEachValue(const Selector& source, CopySource kind, bool withMetadata, Visit&& visit) {
+    const int inherit = kind == CopySource::kPath ? 1 : 0;
+    ForEachProperty(SkippedBy(kind, withMetadata), [&](PropEnum id) {
+        if (const Var value = source.GetProperty(id, inherit); value.IsSet()) visit(id, value);
+    });
+}
+
+void WriteProperty(const Selector& source, Selector::Traverser& target, PropEnum id, const Var& value) {
+    if (id == Prop::kLocalMatrix)
+        target.SetProperty(id, PlacedMatrix(source, target.GetInstance().Get(), value));
+    else
+        target.SetProperty(id, value);
+}
+
 }  // namespace
 
 void CopyProperties(const Selector& source, Selector::Traverser& target, CopySource kind, bool withMetadata) {
-    const int inherit = kind == CopySource::kPath ? 1 : 0;
-    ForEachProperty(SkippedBy(kind, withMetadata), [&](PropEnum id) {
-        const Var value = source.GetProperty(id, inherit);
-        if (!value.IsSet()) return;
-        if (id == Prop::kLocalMatrix)
-            target.SetProperty(id, PlacedMatrix(source, target.GetInstance().Get(), value));
-        else
-            target.SetProperty(id, value);
-    });
+    ForEachValue(source, kind, withMetadata,
+                 [&](PropEnum id, const Var& value) { WriteProperty(source, target, id, value); });
+}
+
+PropertyValues ReadProperties(const Selector& source, CopySource kind) {
+    PropertyValues values;
+    ForEachValue(source, kind, false, [&](PropEnum id, const Var& value) { values.emplace_back(id, value); });
+    return values;
+}
+
+void WriteProperties(const Selector& source, const PropertyValues& values, Selector::Traverser& target) {
+    for (const auto& [id, value] : values)
+        WriteProperty(source, target, id, value);
 }
 
 }  // namespace qn::graph

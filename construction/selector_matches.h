@@ -5,7 +5,6 @@
 
 #include <map>
 #include <span>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -16,7 +15,6 @@ class SelectorsByPath {
 public:
     explicit SelectorsByPath(Instance* instance);
 
-    bool IsEmpty() const { return queues_.size() == 1; }
     /// Calls `visit(const Selector&)` for each selector whose path ends `path`: the shortest path first,
     /// those of one path in the instance's order. So what says most is said last.
     template <class Visit>
@@ -40,17 +38,6 @@ private:
     // of it.
     std::map<std::pair<std::size_t, Instance*>, std::size_t> steps_;
     std::vector<std::vector<Selector>> queues_{1};
-};
-
-/// The selectors of all instances that one generation meets.
-class SelectorMatchCache {
-public:
-    const SelectorsByPath& Of(Instance* instance) {
-        return entries_.try_emplace(instance, instance).first->second;
-    }
-
-private:
-    std::unordered_map<Instance*, SelectorsByPath> entries_;
 };
 
 }  // namespace qn::graph
