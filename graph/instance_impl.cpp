@@ -28,6 +28,11 @@ void InstanceImpl::SetReference(Reference* reference) {
     if (reference != reference_.Get()) reference_ = Counted<Reference>(reference);
 }
 
+void InstanceImpl::ReserveProperties(int count) {
+    if (properties_.IsEmpty()) properties_.InitMap();
+    if (VarMap* map = properties_.ToMap()) map->Reserve(count);
+}
+
 void InstanceImpl::SetParentReference(Reference* parent) {
     parent_ = parent;
 }

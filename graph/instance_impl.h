@@ -30,6 +30,8 @@ public:
 
     /// Points the instance at another definition; no list of instances changes.
     void SetReference(Reference* reference);
+    /// Room for so many values in the property map, made if it is not there.
+    void ReserveProperties(int count);
     /// Called by the definition that takes the instance into its children, or lets it go.
     void SetParentReference(Reference* parent);
     /// Empty, or a map from running numbers (and, for path attributes, local ids) to `PersistentSelector`

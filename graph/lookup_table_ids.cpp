@@ -36,11 +36,15 @@ Counted<Reference> LookupTableImpl::GetOrCreateReferenceWithTarget(const Var& ta
 
 Counted<Reference> LookupTableImpl::GetOrCreateReference(const String& id) {
     const String key = id.IsEmpty() ? GenerateEntityId() : id;
-    if (auto known = FindIn(referencesById, key)) return known;
-    const Counted<Reference> reference = Make<ReferenceImpl>(this);
-    if (!reference) return nullptr;
+    const auto place = referencesById.try_emplace(key).first;
+    if (place->second) return place->second;
+    place->second = Make<ReferenceImpl>(this);
+    const Counted<Reference> reference = place->second;
+    if (!reference) {
+        referencesById.erase(place);
+        return nullptr;
+    }
     references.insert(reference);
-    referencesById[key] = reference;
     reference->SetProperty(Prop::kLocalId, Var(key));
     return reference;
 }

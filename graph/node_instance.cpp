@@ -3,6 +3,7 @@
 #include "frame/host/collections.h"
 #include "frame/host/node.h"
 #include "frame/host/scene_document.h"
+#include "graph/instance_impl.h"
 #include "graph/lookup_table.h"
 #include "graph/node_matching.h"
 #include "graph/node_overrides.h"
@@ -13,6 +14,9 @@
 namespace qn::graph {
 
 namespace {
+
+/// Values that a new instance stores in its property map, its id included.
+constexpr int kCopiedValues = 30;
 
 // Keys of the map that a node of an unresolved file carries in place of an instance.
 constexpr int kDefinitionEntry = 0;
@@ -199,6 +203,7 @@ void InstanceMaker::MakeNew() {
 
 /// Empty values, too: the new instance says everything itself and inherits nothing.
 void InstanceMaker::CopyElement() {
+    if (auto* impl = Cast<InstanceImpl>(instance_.Get())) impl->ReserveProperties(kCopiedValues);
     for (int key = kFirstProp; key <= kLastProp; ++key) {
         const PropEnum id{key};
         if (id == Prop::kLocalId || id == Prop::kBsId) continue;

@@ -1,7 +1,7 @@
-#include "engine/runtime/class_table.h"
 #include "graph/node_instancing.h"
 #include "tests/graph/table_fixture.h"
 #include "tests/support/failing_stream.h"
+#include "tests/support/static_module.h"
 
 #include <gmock/gmock.h>
 
@@ -150,10 +150,9 @@ public:
 
 class LookupTableRebuild : public TableFixture {
 protected:
-    LookupTableRebuild() {
-        AddEngineClass({ClassKey::kHierarchyFactory, &MakeOf<RecordingInstancing>});
-        RecordingInstancing::calls.clear();
-    }
+    LookupTableRebuild() { RecordingInstancing::calls.clear(); }
+
+    const StaticModule module{{{ClassKey::kHierarchyFactory, &MakeOf<RecordingInstancing>}}};
     Counted<k3::Scene> scene = Make<k3::Scene>();
     Counted<RecordingContext> context = MakeContext();
 };
