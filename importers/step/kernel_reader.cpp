@@ -10,7 +10,7 @@
 #include <XSControl_WorkSession.hxx>
 
 #include <algorithm>
-#include <fstream>
+#include <sstream>
 
 #include "importers/step/part21_error.h"
 
@@ -28,11 +28,10 @@ constexpr double kMillimetre = 1;  ///< the kernel's unit of length
 
 }  // namespace
 
-KernelReader::KernelReader(const std::filesystem::path& path) : actor_(new STEPControl_ActorRead) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw ReadFailure("the file cannot be opened");
-    if (reader_.ReadStream(path.filename().c_str(), in) != IFSelect_RetDone)
-        throw ReadFailure("the modelling kernel cannot read the file");
+KernelReader::KernelReader(const std::string& text) : actor_(new STEPControl_ActorRead) {
+    std::istringstream in(text);
+    if (reader_.ReadStream("shapes", in) != IFSelect_RetDone)
+        throw ReadFailure("the modelling kernel cannot read the shapes");
     reader_.SetSystemLengthUnit(kMillimetre);
     const Handle(StepData_StepModel) model = reader_.StepModel();
     model->SetLocalLengthUnit(kMillimetre);

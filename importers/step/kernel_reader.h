@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <string>
 #include <unordered_map>
 
 #include <STEPControl_ActorRead.hxx>
@@ -16,8 +16,8 @@ namespace qn::step {
 /// entities share their faces.
 class KernelReader {
 public:
-    /// Throws ReadFailure if the kernel cannot read the file.
-    explicit KernelReader(const std::filesystem::path& path);
+    /// Takes the text of an exchange file. Throws ReadFailure if the kernel cannot read it.
+    explicit KernelReader(const std::string& text);
 
     /// The shape of one item of a representation in millimetres; null if the kernel makes none.
     TopoDS_Shape BuildItem(EntityId representation, EntityId item);

@@ -52,6 +52,15 @@ std::size_t Index(EntityKind kind) {
     return static_cast<std::size_t>(kind);
 }
 
+/// Calls `take` with each entity that a record names, those in nested parameters too. The record goes from
+/// `first` to the end of the text, which begins where the file does.
+template <class Take>
+void ForEachReference(std::string_view text, std::size_t first, Take&& take) {
+    Lexer lexer(text, first);
+    while (lexer.SkipToReference())
+        take(lexer.Number());
+}
+
 }  // namespace
 
 ExchangeFile::ExchangeFile(std::string bytes, const Poll& poll) : bytes_(std::move(bytes)) {
@@ -69,6 +78,7 @@ void ExchangeFile::ReadSections(Lexer& lexer, const Poll& poll) {
     for (;;) {
         lexer.SkipBlanks();
         if (lexer.AtEnd()) break;
+        const std::size_t start = lexer.Position();
         const std::string_view section = lexer.Keyword();
         if (section == kEndOfFile) {
             if (!hasData) lexer.Fail("the file has no DATA section");
@@ -79,12 +89,14 @@ void ExchangeFile::ReadSections(Lexer& lexer, const Poll& poll) {
             lexer.Fail("the file ends inside a section's head");
         lexer.Expect(';', "after the section name " + std::string(section));
         hasData = hasData || section == "DATA";
-        if (section == "HEADER")
+        if (section == "HEADER") {
             ReadHeader(lexer);
-        else if (section == "DATA")
+            header_ = std::string_view(bytes_).substr(start, lexer.Position() - start);
+        } else if (section == "DATA") {
             ReadData(lexer, poll);
-        else
+        } else {
             SkipSection(lexer);
+        }
     }
     if (!hasData) lexer.Fail("the file ends before its DATA section");
     warnings_.push_back("the file ends without END-ISO-10303-21");
@@ -210,6 +222,40 @@ Record ExchangeFile::Get(EntityId id) const {
     Record record = ParseRecord(bytes_, entry->offset);
     record.id = id;
     return record;
+}
+
+std::string_view ExchangeFile::TextOf(const Entry& entry) const {
+    Lexer lexer(bytes_, entry.offset);
+    lexer.SkipStatement();
+    return std::string_view(bytes_).substr(entry.offset, lexer.Position() - entry.offset);
+}
+
+std::string ExchangeFile::Extract(const std::vector<EntityId>& roots) const {
+    std::vector<bool> isTaken(entries_.size());
+    std::vector<const Entry*> open;
+    const auto take = [&](EntityId id) {
+        const Entry* entry = Find(id);
+        if (!entry || isTaken[static_cast<std::size_t>(entry - entries_.data())]) return;
+        isTaken[static_cast<std::size_t>(entry - entries_.data())] = true;
+        open.push_back(entry);
+    };
+    for (const EntityId root : roots)
+        take(root);
+    while (!open.empty()) {
+        const Entry* entry = open.back();
+        open.pop_back();
+        const std::size_t end = entry->offset + TextOf(*entry).size();
+        ForEachReference(std::string_view(bytes_).substr(0, end), entry->offset, take);
+    }
+    std::string text = std::string(kMagic) + ";\n" + std::string(header_) + "\nDATA;\n";
+    for (std::size_t i = 0; i < entries_.size(); ++i)
+        if (isTaken[i])
+            text.append("#")
+                .append(std::to_string(entries_[i].id))
+                .append("=")
+                .append(TextOf(entries_[i]))
+                .append("\n");
+    return text + std::string(kEndOfSection) + ";\n" + std::string(kEndOfFile) + ";\n";
 }
 
 }  // namespace qn::step

@@ -54,6 +54,9 @@ public:
     EntityKind KindOf(EntityId id) const;
     /// The entity's record; none for an unknown number. Throws ReadFailure if it is malformed.
     Record Get(EntityId id) const;
+    /// The text of an exchange file with this one's header, the entities named, and all that these lead
+    /// to. Numbers stay.
+    std::string Extract(const std::vector<EntityId>& roots) const;
 
 private:
     struct Entry {
@@ -72,8 +75,10 @@ private:
     EntityKind File(std::string_view keyword, EntityId id);
     void SortEntries();
     const Entry* Find(EntityId id) const;
+    std::string_view TextOf(const Entry& entry) const;
 
     std::string bytes_;
+    std::string_view header_;  ///< from HEADER; to ENDSEC; inclusive
     std::vector<std::string> schemas_;
     std::vector<std::string> warnings_;
     std::vector<Entry> entries_;  ///< ascending by id

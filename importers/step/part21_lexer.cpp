@@ -107,10 +107,10 @@ bool Lexer::SkipString(char quote) {
     return end != std::string_view::npos;
 }
 
-bool Lexer::SkipStatement() {
+bool Lexer::SkipTo(char wanted) {
     for (; at_ < text_.size();) {
         const char c = text_[at_];
-        if (c == ';') {
+        if (c == wanted) {
             ++at_;
             return true;
         }

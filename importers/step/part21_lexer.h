@@ -29,7 +29,9 @@ public:
     Params ParameterList(int depth);
     /// Goes behind the next ';' that is neither in a string nor in a comment.
     /// False if the text ends before.
-    bool SkipStatement();
+    bool SkipStatement() { return SkipTo(';'); }
+    /// Goes behind the next '#' that is neither in a string nor in a comment. False if there is none.
+    bool SkipToReference() { return SkipTo('#'); }
     /// Goes behind the ')' that closes the '(' here. False if the text ends before.
     bool SkipParentheses();
 
@@ -37,6 +39,7 @@ public:
     [[noreturn]] void FailAt(std::size_t position, const std::string& cause) const;
 
 private:
+    bool SkipTo(char wanted);
     bool SkipComment();
     bool SkipString(char quote);
     Param Quoted();

@@ -20,9 +20,14 @@ std::mutex kernelMutex;
 
 class GeometryRun {
 public:
-    GeometryRun(const StepModel& model, const ColourTable& colours, const MeshSink& take,
-                const ProgressSink& progress, GeometryResult& result)
-        : model_(model), colours_(colours), take_(take), progress_(progress), result_(result) {}
+    GeometryRun(const StructureResult& structure, const MeshSink& take, const ProgressSink& progress,
+                GeometryResult& result)
+        : model_(structure.model),
+          colours_(structure.colours),
+          file_(*structure.file),
+          take_(take),
+          progress_(progress),
+          result_(result) {}
 
     GeometryRun(const GeometryRun&) = delete;
     GeometryRun& operator=(const GeometryRun&) = delete;
@@ -34,9 +39,10 @@ public:
         static_cast<void>(new auto(std::move(shapes_)));
     }
 
-    void Read(const std::filesystem::path& path) {
-        const GuardResult outcome = RunGuarded([&] { reader_ = std::make_unique<KernelReader>(path); });
-        if (!outcome.error.empty()) result_.error = path.string() + ": " + outcome.error;
+    void Read(const std::string& name) {
+        const GuardResult outcome = RunGuarded(
+            [&] { reader_ = std::make_unique<KernelReader>(file_.Extract(NeededRepresentations())); });
+        if (!outcome.error.empty()) result_.error = name + ": " + outcome.error;
     }
 
     void Build() {
@@ -65,6 +71,14 @@ public:
     }
 
 private:
+    std::vector<EntityId> NeededRepresentations() const {
+        std::vector<EntityId> needed;
+        for (const Definition& definition : model_.definitions)
+            for (const ShapePiece& piece : definition.shapes)
+                needed.push_back(piece.representation);
+        return needed;
+    }
+
     void BuildDefinition(std::size_t index) {
         std::unordered_set<EntityId> seen;
         for (const ShapePiece& piece : model_.definitions[index].shapes) {
@@ -91,6 +105,7 @@ private:
 
     const StepModel& model_;
     const ColourTable& colours_;
+    const ExchangeFile& file_;
     const MeshSink& take_;
     const ProgressSink& progress_;
     GeometryResult& result_;
@@ -106,15 +121,14 @@ bool HasShapes(const StepModel& model) {
 
 }  // namespace
 
-GeometryResult ReadGeometry(const std::filesystem::path& path, const StepModel& model,
-                            const ColourTable& colours, const Tessellation& tessellation,
+GeometryResult ReadGeometry(const StructureResult& structure, const Tessellation& tessellation,
                             const MeshSink& take, const ProgressSink& progress) {
     GeometryResult result;
-    if (!HasShapes(model)) return result;
+    if (!structure.file || !HasShapes(structure.model)) return result;
     const std::lock_guard lock(kernelMutex);
     const QuietKernel quiet;
-    GeometryRun run(model, colours, take, progress, result);
-    run.Read(path);
+    GeometryRun run(structure, take, progress, result);
+    run.Read(structure.name);
     if (result.Ok() && run.Go(kAfterReading, kAfterReading, 0)) run.Build();
     if (result.Ok()) run.Triangulate(tessellation);
     return result;

@@ -1,14 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "importers/step/step_colours.h"
 #include "importers/step/step_mesh.h"
-#include "importers/step/step_model.h"
+#include "importers/step/step_structure.h"
 
 namespace qn::step {
 
@@ -32,11 +30,11 @@ struct GeometryResult {
     bool Ok() const { return error.empty() && !isCancelled; }
 };
 
-/// Builds and triangulates the own shapes of all definitions of `model`, which `path` was read into.
-/// The structure is not looked at again: an assembly gets what is its own and nothing of its
-/// components, and several representations of one definition give one mesh. Throws nothing.
-GeometryResult ReadGeometry(const std::filesystem::path& path, const StepModel& model,
-                            const ColourTable& colours, const Tessellation& tessellation,
+/// Builds and triangulates the own shapes of all definitions of a structure that was read without error and
+/// still has its file. The kernel sees no more of the file than these shapes: an assembly gets what is
+/// its own and nothing of its components, and several representations of one definition give one mesh.
+/// Throws nothing but what the sinks throw.
+GeometryResult ReadGeometry(const StructureResult& structure, const Tessellation& tessellation,
                             const MeshSink& take, const ProgressSink& progress);
 
 }  // namespace qn::step

@@ -66,12 +66,13 @@ public:
         : file_(file), path_(file.ToUtf8()), top_(top), context_(context), options_(OptionsOf(context)) {}
 
     ResultEnum Run() {
-        const StructureResult read = ReadStructure(path_, [&] { return context_.ReportProgress(0); });
+        StructureResult read = ReadStructure(path_, [&] { return context_.ReportProgress(0); });
         if (read.cause == Cause::kCancelled) return ResultEnum::kNothing;
         if (!read.Ok()) return Fail(FailureOf(read.cause), read.error);
         Warn(context_, file_, read.model.warnings);
         if (!context_.ReportProgress(options_.structureOnly ? 0.5 : kStructureShare))
             return ResultEnum::kNothing;
+        if (options_.structureOnly) read.file.reset();
         GraphBuilder builder(read.model);
         if (!builder.Build(top_.GetName()))
             return Fail(LoadFailure::kDefect, path_.string() + ": the classes of the graph cannot be made");
@@ -95,8 +96,7 @@ private:
         const auto progress = [&](double fraction) {
             return context_.ReportProgress(kStructureShare + (1 - kStructureShare) * fraction);
         };
-        const GeometryResult result =
-            ReadGeometry(path_, read.model, read.colours, options_.tessellation, take, progress);
+        const GeometryResult result = ReadGeometry(read, options_.tessellation, take, progress);
         Warn(context_, file_, result.warnings);
         if (!result.error.empty()) Fail(LoadFailure::kMalformed, result.error);
         return result.Ok();

@@ -6,8 +6,6 @@
 #include <system_error>
 #include <utility>
 
-#include "importers/step/part21_error.h"
-#include "importers/step/part21_file.h"
 #include "importers/step/step_documents.h"
 #include "importers/step/step_products.h"
 #include "importers/step/step_properties.h"
@@ -30,8 +28,9 @@ std::string ReadBytes(const std::filesystem::path& path) {
 }
 
 StructureResult ReadModel(std::string bytes, const Poll& poll) {
-    const ExchangeFile file(std::move(bytes), poll);
     StructureResult result;
+    result.file = std::make_shared<const ExchangeFile>(std::move(bytes), poll);
+    const ExchangeFile& file = *result.file;
     StepModel& model = result.model;
     model.schemas = file.Schemas();
     model.warnings = file.Warnings();
@@ -54,12 +53,15 @@ template <class Read>
 StructureResult Guarded(const std::string& name, Read&& read) {
     StructureResult failed;
     const auto fail = [&](Cause cause, const std::string& text) {
+        failed.name = name;
         failed.cause = cause;
         failed.error = name + ": " + text;
         return failed;
     };
     try {
-        return read();
+        StructureResult result = read();
+        result.name = name;
+        return result;
     } catch (const ReadFailure& failure) {
         return fail(failure.GetCause(), failure.what());
     } catch (const std::bad_alloc&) {

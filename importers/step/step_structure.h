@@ -1,9 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "importers/step/part21_error.h"
+#include "importers/step/part21_file.h"
 #include "importers/step/step_colours.h"
 #include "importers/step/step_model.h"
 
@@ -13,6 +15,9 @@ namespace qn::step {
 struct StructureResult {
     StepModel model;
     ColourTable colours;
+    /// The file's text, for whoever reads geometry next; null after an error.
+    std::shared_ptr<const ExchangeFile> file;
+    std::string name;   ///< what errors call the file
     std::string error;  ///< empty if all went well, else the file's name and the cause
     Cause cause = Cause::kNone;
 

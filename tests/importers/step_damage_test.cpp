@@ -118,6 +118,17 @@ TEST(DamagedStep, NeverCrashesWhateverByteChanges) {
         }
 }
 
+TEST(ExchangeFile, ExtractsEntitiesWithAllTheyLeadTo) {
+    const ExchangeFile file(
+        "ISO-10303-21;HEADER;FILE_SCHEMA(('A'));ENDSEC;DATA;#1=A(#2,(B(#3)));#2=B('#4');#3=C();"
+        "#4=D(#1);ENDSEC;END-ISO-10303-21;");
+    const ExchangeFile part(file.Extract({1}));
+    EXPECT_EQ(part.EntityCount(), 3u);
+    EXPECT_FALSE(part.Get(4).Exists());
+    EXPECT_TRUE(part.Get(3).Is("C"));
+    EXPECT_EQ(part.Schemas(), std::vector<std::string>{"A"});
+}
+
 TEST(DamagedStep, TellsAMissingFileFromADamagedOne) {
     const auto result = ReadStructure(std::filesystem::path("/nowhere/at all.stp"));
     EXPECT_EQ(result.cause, Cause::kUnreadable);

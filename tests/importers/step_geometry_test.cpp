@@ -20,15 +20,14 @@ struct Read {
 
 Read ReadAll(const std::string& file, const Tessellation& tessellation = {}) {
     Read read;
-    auto structure = ReadStructure(qn::test::DataDir() / file);
+    const auto structure = ReadStructure(qn::test::DataDir() / file);
     EXPECT_TRUE(structure.Ok()) << structure.error;
-    read.model = std::move(structure.model);
+    read.model = structure.model;
     const auto take = [&](std::size_t definition, MeshData mesh) {
         ++read.meshCount;
         read.meshes[read.model.definitions[definition].name] = std::move(mesh);
     };
-    read.result =
-        ReadGeometry(qn::test::DataDir() / file, read.model, structure.colours, tessellation, take, nullptr);
+    read.result = ReadGeometry(structure, tessellation, take, nullptr);
     EXPECT_TRUE(read.result.Ok()) << read.result.error;
     return read;
 }
@@ -123,11 +122,10 @@ TEST_F(StepGeometry, GivesTheSameTrianglesInEveryRun) {
 }
 
 TEST_F(StepGeometry, StopsWhenItIsToldTo) {
-    const auto path = qn::test::DataDir() / "cax-as1/as1-oc-214.stp";
-    const auto structure = ReadStructure(path);
+    const auto structure = ReadStructure(qn::test::DataDir() / "cax-as1/as1-oc-214.stp");
     int meshes = 0;
     const auto result = ReadGeometry(
-        path, structure.model, structure.colours, {}, [&](std::size_t, MeshData) { ++meshes; },
+        structure, {}, [&](std::size_t, MeshData) { ++meshes; },
         [](double fraction) { return fraction < 0.5; });
     EXPECT_TRUE(result.isCancelled);
     EXPECT_EQ(meshes, 0);
