@@ -1,11 +1,13 @@
 #include "engine/objects/chunk_ids.h"
 #include "engine/objects/var_map_index.h"
+#include "engine/stream/stream_writer.h"
 #include "engine/values/value_copier.h"
 #include "engine/values/var_access.h"
 #include "frame/host/stream.h"
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace qn {
 
@@ -153,11 +155,17 @@ ResultEnum VarMap::CopyFrom(const Interface* source, unsigned flags) {
 
 ResultEnum VarMap::Save(Stream* stream, Context* context) {
     const ResultEnum base = ReferenceSource::Save(stream, context);
-    if (base != ResultEnum::kSuccess || GetCount() == 0) return base;
+    if (base != ResultEnum::kSuccess) return base;
+    std::vector<int> stored;  // a row whose key is an object that is not stored could not be told from others
+    for (int i = 0; i < GetCount(); ++i) {
+        const Var& key = KeyAt(i);
+        if (!key.HoldsInterface() || IsStored(stream, key.ToInterface(), key.IsWeak())) stored.push_back(i);
+    }
+    if (stored.empty()) return base;
     if (!stream->BeginChunk(chunk::kMapRows)) return ResultEnum::kWriteFailed;
-    bool written = stream->WriteInt(GetCount());
-    for (int i = 0; written && i < GetCount(); ++i)
-        written = KeyAt(i).Save(stream, context) && ValueAt(i).Save(stream, context);
+    bool written = stream->WriteInt(static_cast<int>(stored.size()));
+    for (const int row : stored)
+        written = written && KeyAt(row).Save(stream, context) && ValueAt(row).Save(stream, context);
     stream->EndChunk();
     return written ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
 }

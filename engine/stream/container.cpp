@@ -11,8 +11,8 @@ namespace {
 
 namespace limits = scene_file_limits;
 
-constexpr std::size_t kVersionAt = 8, kMinorAt = 10, kBlockCountAt = 12, kFileSizeAt = 16,
-                      kObjectCountAt = 24, kClassCountAt = 28, kRootAt = 32;
+constexpr std::size_t kVersionAt = 8, kBlockCountAt = 12, kFileSizeAt = 16, kObjectCountAt = 24,
+                      kClassCountAt = 28, kRootAt = 32;
 
 /// Reads the parts of one file in order; each step answers false once the fault is set.
 class Reader {
