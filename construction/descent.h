@@ -39,17 +39,4 @@ inline String FileOf(const Reference& reference) {
     return target.IsText() ? target.ToText() : String();
 }
 
-/// How many occurrences a walk may still meet.
-class OccurrenceBudget {
-public:
-    explicit OccurrenceBudget(std::int64_t limit) : left_(limit) {}
-    /// False once the limit is used up.
-    bool Take() { return left_ > 0 ? (--left_, true) : (exceeded_ = true, false); }
-    bool IsExceeded() const { return exceeded_; }
-
-private:
-    std::int64_t left_;
-    bool exceeded_ = false;
-};
-
 }  // namespace qn::graph

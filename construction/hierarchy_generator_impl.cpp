@@ -42,7 +42,7 @@ void HierarchyGeneratorImpl::GenerateInto(k3::Node& node) {
 }
 
 Interface* HierarchyGeneratorImpl::GetGeneratedRoot() const {
-    return GetRootReference();
+    return saveEnabled_ ? GetRootReference() : nullptr;
 }
 
 void HierarchyGeneratorImpl::SetSelector(const Selector& selector) {

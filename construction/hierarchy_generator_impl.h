@@ -15,7 +15,7 @@ public:
     /// anything else, kNothing for what only claims to be a node. The context is used if none is kept yet;
     /// one is made where both are missing.
     ResultEnum Generate(Extension* target, Context* context) override;
-    /// What the engine stores for the generator.
+    /// The root definition. Null once saving is disabled: then the engine has to store the nodes.
     Interface* GetGeneratedRoot() const override;
     void SetSelector(const Selector& selector) override;
     void DisableSave() override { saveEnabled_ = false; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "construction/descent.h"
+#include "construction/occurrence_budget.h"
 #include "frame/host/selector.h"
 #include "graph/instance.h"
 

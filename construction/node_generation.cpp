@@ -104,9 +104,11 @@ void NodeGeneration::Restore(Place place) {
 void NodeGeneration::ReportLimit(const Selector& selector) const {
     LookupTable* const table = selector.GetLookupTable();
     if (Context* const context = table ? table->GetContext() : nullptr)
-        context->Fail(LoadFailure::kLimit,
-                      Translate("assembly", "The hierarchy has more occurrences than can be shown.",
-                                "XMSG: Error message", -1));
+        context->Fail(
+            LoadFailure::kLimit,
+            Translate("assembly", "The hierarchy has more than %1 occurrences. The rest is left out.",
+                      "XMSG: Error message", -1)
+                .Arg(budget_.GetLimit()));
 }
 
 }  // namespace qn::graph

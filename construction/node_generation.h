@@ -2,6 +2,7 @@
 
 #include "construction/descent.h"
 #include "construction/met_instances.h"
+#include "construction/occurrence_budget.h"
 #include "frame/host/selector.h"
 #include "graph/instance.h"
 #include "graph/limits.h"

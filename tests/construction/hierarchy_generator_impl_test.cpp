@@ -286,6 +286,12 @@ TEST(HierarchyGenerator, LetsTheEngineWriteItsRoot) {
     EXPECT_EQ(attached.generator->GetGeneratedRoot(), static_cast<Interface*>(attached.car.Root()));
 }
 
+TEST(HierarchyGenerator, HasNothingForTheEngineToWriteOnceSavingIsDisabled) {
+    const Attached attached;
+    attached.generator->DisableSave();
+    EXPECT_EQ(attached.generator->GetGeneratedRoot(), nullptr);
+}
+
 /// The generator after a save and a load.
 Counted<HierarchyGeneratorImpl> SavedAndLoaded(HierarchyGeneratorImpl& generator) {
     const auto context = MakeContext();

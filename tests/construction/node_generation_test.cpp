@@ -247,6 +247,8 @@ TEST(NodeGeneration, StopsAtTheLimitAndReportsIt) {
 
     EXPECT_EQ(ShownBelow(*top), "car(wheel,wheel)");
     EXPECT_EQ(context->GetFailure(), LoadFailure::kLimit);
+    EXPECT_THAT(context->Texts(),
+                testing::ElementsAre("The hierarchy has more than 3 occurrences. The rest is left out."));
 }
 
 TEST(NodeGeneration, ReportsNothingExactlyAtTheLimit) {

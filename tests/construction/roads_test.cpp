@@ -159,5 +159,23 @@ TEST(GeneratorInAFile, IsStoredTheSameFromTheSecondSaveOnOnceItGenerated) {
     EXPECT_TRUE(StoredAgain(bytes, *context) == bytes);
 }
 
+TEST(GeneratorInAFile, LeavesItsNodesToTheFileOnceSavingIsDisabled) {
+    const Assembly car(CarShape());
+    const auto context = MakeContext();
+    const auto scene = Make<k3::Scene>();
+    k3::Node* const node = scene->CreateEmptyNode(0, 0, 0);
+    const auto generator = Make<HierarchyGeneratorImpl>();
+    generator->SetSelector(car.Path({"car"}));
+    k3::Generator::Attach(node, generator.Get());
+    generator->Generate(node, context.Get());
+    generator->DisableSave();
+
+    const auto loaded = Make<k3::Scene>();
+    ASSERT_TRUE(LoadSceneFromBytes(SaveSceneToBytes(*scene, *context), L"car.qn", *loaded, *context));
+
+    EXPECT_EQ(TreeOf(*loaded->GetFirstChild()), TreeOf(*node));
+    EXPECT_EQ(k3::Generator::Get(loaded->GetFirstChild())->GetGeneratedRoot(), nullptr);
+}
+
 }  // namespace
 }  // namespace qn::test
