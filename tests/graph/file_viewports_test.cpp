@@ -206,15 +206,22 @@ TEST_F(FileViews, OfAFileOfNodesAloneAwaitTheirDefinitionWithoutServerId) {
 }
 
 TEST_F(FileViews, APresentEntryOfAViewportOrLayerStays) {
-    const auto other = MakeReference();
-    AddLayer({top});
-    LoadFile();
-    k3::Viewport* viewport = Loaded(L"front");
-    table->viewportTargets.At(viewport) = Weak<Reference>(other.Get());
-    table->layerReferences.At(viewport->GetLayer()) = Counted<Reference>(other.Get());
-    LoadFile(L"again");  // brings views of its own
-    EXPECT_EQ(table->viewportTargets.Find(viewport)->Get(), other.Get());
-    EXPECT_EQ(*table->layerReferences.Find(viewport->GetLayer()), other.Get());
+    const auto former = MakeReference();
+    FileViewports viewports(*table, *scene, *context);
+    viewports.RememberPresent();
+    k3::Viewport* viewport = scene->CreateViewport(L"new");
+    viewports.CollectNew();
+    k3::Layer* layer = AddLayer({top});
+    viewport->SetLayer(layer);
+    viewport->SetViewNode(doorNode);
+    table->viewportTargets.At(viewport) = Weak<Reference>(former.Get());
+    table->layerReferences.At(layer) = Counted<Reference>(former.Get());
+    NodeToInstance nodes;
+    nodes.Set(top, root.Get());
+    nodes.Set(doorNode, door.Get());
+    viewports.BindAll(part.Get(), root.Get(), nodes);
+    EXPECT_EQ(table->viewportTargets.Find(viewport)->Get(), former.Get());
+    EXPECT_EQ(*table->layerReferences.Find(layer), former.Get());
 }
 
 TEST_F(FileViews, ThatWereThereBeforeAreLeftAlone) {

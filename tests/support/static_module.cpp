@@ -12,12 +12,16 @@ struct OwnedRow {
     const void* owner;
     ClassRow row;
 };
-std::vector<OwnedRow> g_rows;
+/// Never destroyed: static modules of other files go at the end of the process, too.
+std::vector<OwnedRow>& Rows() {
+    static std::vector<OwnedRow>& rows = *new std::vector<OwnedRow>;
+    return rows;
+}
 const void* g_registering = nullptr;
 std::vector<ModuleCall> g_calls;
 
 void RegisterRows(ModuleHandle handle) {
-    for (const auto& [owner, row] : g_rows) {
+    for (const auto& [owner, row] : Rows()) {
         if (owner == g_registering) api->RegisterExtension(handle, row.key, 0, String::FromUtf8(row.key));
     }
 }
@@ -30,7 +34,7 @@ std::uintptr_t RowsEntry(unsigned code, void* first, void* second) {
     }
     if (code != ModuleCode::kCreate) return 0;
     const auto* key = static_cast<const char*>(first);
-    for (const OwnedRow& owned : g_rows) {
+    for (const OwnedRow& owned : Rows()) {
         if (EqualKeys(owned.row.key, key)) return reinterpret_cast<std::uintptr_t>(owned.row.make());
     }
     return 0;
@@ -54,14 +58,14 @@ EntryModule::~EntryModule() {
 
 StaticModule::StaticModule(const std::vector<ClassRow>& rows) {
     for (const ClassRow& row : rows)
-        g_rows.push_back({this, row});
+        Rows().push_back({this, row});
     g_registering = this;
     module_ = std::make_unique<EntryModule>(&RowsEntry);
 }
 
 StaticModule::~StaticModule() {
     module_.reset();
-    std::erase_if(g_rows, [&](const OwnedRow& owned) { return owned.owner == this; });
+    std::erase_if(Rows(), [&](const OwnedRow& owned) { return owned.owner == this; });
 }
 
 FakeModule::FakeModule() {
