@@ -83,25 +83,19 @@ ResultEnum Mesh::Save(Stream* stream, Context* context) {
 }
 
 ResultEnum Mesh::HandleChunk(int id, Stream* stream, Context* context) {
-    switch (id) {
-        case MeshChunk::kPositions:
-            ReadBlock(stream, positions_, L"mesh positions");
-            break;
-        case MeshChunk::kNormals:
-            ReadBlock(stream, normals_, L"mesh normals");
-            break;
-        case MeshChunk::kIndices:
-            ReadBlock(stream, indices_, L"mesh indices");
-            break;
-        case MeshChunk::kGroups:
-            ReadBlock(stream, groups_, L"mesh groups");
-            break;
-        case MeshChunk::kSlots:
-            ReadNumbers(stream, context,
-                        [this](const Counted<Interface>& m) { AddSlot(Cast<Material>(m.Get())); });
-            break;
-        default:
-            return Renderable::HandleChunk(id, stream, context);
+    if (id == MeshChunk::kPositions) {
+        ReadBlock(stream, positions_, L"mesh positions");
+    } else if (id == MeshChunk::kNormals) {
+        ReadBlock(stream, normals_, L"mesh normals");
+    } else if (id == MeshChunk::kIndices) {
+        ReadBlock(stream, indices_, L"mesh indices");
+    } else if (id == MeshChunk::kGroups) {
+        ReadBlock(stream, groups_, L"mesh groups");
+    } else if (id == MeshChunk::kSlots) {
+        ReadNumbers(stream, context,
+                    [this](const Counted<Interface>& m) { AddSlot(Cast<Material>(m.Get())); });
+    } else {
+        return Renderable::HandleChunk(id, stream, context);
     }
     return stream->HasFailed() ? ResultEnum::kNothing : ResultEnum::kSuccess;
 }

@@ -12,9 +12,12 @@ bool WriteMatrix(Stream* stream, int id, const std::unique_ptr<Matrix4<double>>&
     return !matrix || ChunkWriter(stream, id).Bytes(&matrix->m[0][0], sizeof(double), 16).Ok();
 }
 
-bool ReadMatrix(Stream* stream, Matrix4<double>& matrix) {
-    if (stream->ReadData(&matrix.m[0][0], sizeof(double), 16) == 16) return true;
-    return stream->Fail(L"a node's matrix ends early");
+/// Null after a failure.
+std::unique_ptr<Matrix4<double>> ReadMatrix(Stream* stream) {
+    auto matrix = std::make_unique<Matrix4<double>>();
+    if (stream->ReadData(&matrix->m[0][0], sizeof(double), 16) == 16) return matrix;
+    stream->Fail(L"a node's matrix ends early");
+    return nullptr;
 }
 
 bool WriteText(Stream* stream, int id, const String& text) {
@@ -75,48 +78,36 @@ ResultEnum Node::SaveChildren(Stream* stream, Context* context) const {
 }
 
 ResultEnum Node::HandleChunk(int id, Stream* stream, Context* context) {
-    Matrix4<double> matrix;
-    switch (id) {
-        case NodeChunk::kName:
-            name_.Load(stream);
-            break;
-        case NodeChunk::kDisplayName:
-            Rarely().displayName.Load(stream);
-            break;
-        case NodeChunk::kText:
-            Rarely().text.Load(stream);
-            break;
-        case NodeChunk::kMatrix:
-            if (ReadMatrix(stream, matrix)) SetMatrix(&matrix, 0);
-            break;
-        case NodeChunk::kOwnMatrix:
-            if (ReadMatrix(stream, matrix)) SetMatrix(&matrix, 1);
-            break;
-        case NodeChunk::kThirdMatrix:
-            if (ReadMatrix(stream, matrix)) SetThirdMatrix(matrix);
-            break;
-        case NodeChunk::kOpacity:
-            stream->ReadData(&Rarely().opacity, sizeof(float), 1);
-            break;
-        case NodeChunk::kWords:
-            ReadWords(stream);
-            break;
-        case NodeChunk::kObject:
-            SetObject(Cast<Object3D>(stream->ReadObject(context).Get()));
-            break;
-        case NodeChunk::kPairedObject:
-            ReadPairedObject(stream, context);
-            break;
-        case NodeChunk::kTrack:
-            ReadTrack(stream, context);
-            break;
-        case NodeChunk::kChildren:
-            ReadChildren(stream, context);
-            break;
-        default:
-            return ReferenceSource::HandleChunk(id, stream, context);
+    struct Row {
+        int id;
+        void (*read)(Node& node, Stream* stream, Context* context);
+    };
+    static constexpr Row kRows[] = {
+        {NodeChunk::kName, [](Node& node, Stream* in, Context*) { node.name_.Load(in); }},
+        {NodeChunk::kDisplayName,
+         [](Node& node, Stream* in, Context*) { node.Rarely().displayName.Load(in); }},
+        {NodeChunk::kText, [](Node& node, Stream* in, Context*) { node.Rarely().text.Load(in); }},
+        {NodeChunk::kWords, [](Node& node, Stream* in, Context*) { node.ReadWords(in); }},
+        {NodeChunk::kMatrix,
+         [](Node& node, Stream* in, Context*) { node.SetMatrix(ReadMatrix(in).get(), 0); }},
+        {NodeChunk::kOwnMatrix,
+         [](Node& node, Stream* in, Context*) { node.SetMatrix(ReadMatrix(in).get(), 1); }},
+        {NodeChunk::kThirdMatrix,
+         [](Node& node, Stream* in, Context*) { node.Rarely().thirdMatrix = ReadMatrix(in); }},
+        {NodeChunk::kOpacity,
+         [](Node& node, Stream* in, Context*) { in->ReadData(&node.Rarely().opacity, sizeof(float), 1); }},
+        {NodeChunk::kObject,
+         [](Node& node, Stream* in, Context* c) { node.SetObject(Cast<Object3D>(in->ReadObject(c).Get())); }},
+        {NodeChunk::kPairedObject, [](Node& node, Stream* in, Context* c) { node.ReadPairedObject(in, c); }},
+        {NodeChunk::kTrack, [](Node& node, Stream* in, Context* c) { node.ReadTrack(in, c); }},
+        {NodeChunk::kChildren, [](Node& node, Stream* in, Context* c) { node.ReadChildren(in, c); }},
+    };
+    for (const Row& row : kRows) {
+        if (row.id != id) continue;
+        row.read(*this, stream, context);
+        return stream->HasFailed() ? ResultEnum::kNothing : ResultEnum::kSuccess;
     }
-    return stream->HasFailed() ? ResultEnum::kNothing : ResultEnum::kSuccess;
+    return ReferenceSource::HandleChunk(id, stream, context);
 }
 
 void Node::ReadWords(Stream* stream) {

@@ -37,22 +37,17 @@ ResultEnum Scene::Save(Stream* stream, Context* context) {
 }
 
 ResultEnum Scene::HandleChunk(int id, Stream* stream, Context* context) {
-    switch (id) {
-        case SceneChunk::kTime:
-            stream->ReadData(&data_->time, sizeof(float), 1);
-            break;
-        case SceneChunk::kLayers:
-            ReadArray<Layer>(stream, context, *GetLayers());
-            break;
-        case SceneChunk::kViewports:
-            if (!data_->viewports) data_->viewports = InterfaceArray::CreateStrong();
-            ReadArray<Viewport>(stream, context, *data_->viewports);
-            break;
-        case SceneChunk::kEntities:
-            ReadArray<Entity>(stream, context, *GetEntities());
-            break;
-        default:
-            return Node::HandleChunk(id, stream, context);
+    if (id == SceneChunk::kTime) {
+        stream->ReadData(&data_->time, sizeof(float), 1);
+    } else if (id == SceneChunk::kLayers) {
+        ReadArray<Layer>(stream, context, *GetLayers());
+    } else if (id == SceneChunk::kViewports) {
+        if (!data_->viewports) data_->viewports = InterfaceArray::CreateStrong();
+        ReadArray<Viewport>(stream, context, *data_->viewports);
+    } else if (id == SceneChunk::kEntities) {
+        ReadArray<Entity>(stream, context, *GetEntities());
+    } else {
+        return Node::HandleChunk(id, stream, context);
     }
     return stream->HasFailed() ? ResultEnum::kNothing : ResultEnum::kSuccess;
 }
