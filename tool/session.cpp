@@ -2,6 +2,7 @@
 
 #include "engine/runtime/context_impl.h"
 #include "engine/runtime/engine.h"
+#include "engine/stream/stored_generator.h"
 #include "frame/host/collections.h"
 #include "frame/host/importer.h"
 #include "frame/host/parameter_ids.h"
@@ -85,6 +86,7 @@ Session::~Session() {
 Counted<qn::k3::Scene> Session::Load(const LoadRequest& request) {
     auto& context = static_cast<ContextImpl&>(*context_);
     context.SetParamVar(qn::Param::kLoadOptions, OptionsOf(request));
+    context.SetOption(qn::kInertGenerators, request.graphOnly ? 1 : 0);
     auto scene = qn::Make<qn::k3::Scene>();
     const String file = String::FromUtf8(request.file);
     const qn::k3::Node* top = scene->LoadFile(file.c_str(), &context, kLoadFlags, qn::Guid());

@@ -12,6 +12,7 @@ namespace assembly::tool {
 struct LoadRequest {
     std::string file;            ///< UTF-8
     bool structureOnly = false;  ///< no geometry
+    bool graphOnly = false;      ///< definitions and uses are enough: nothing is indexed or generated
     double tolerance = 0;        ///< of tessellation, millimetres; 0: by size
 };
 

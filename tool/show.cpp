@@ -45,7 +45,7 @@ void Run(const Options& options) {
 
 void AddShow(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    options->load.structureOnly = true;
+    options->load.structureOnly = options->load.graphOnly = true;
     CLI::App* verb =
         app.add_subcommand("show", "Print the occurrence tree or the definitions of an assembly");
     verb->description(kExamples);

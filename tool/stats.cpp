@@ -102,7 +102,7 @@ void Run(const Options& options) {
 
 void AddStats(CLI::App& app) {
     auto options = std::make_shared<Options>();
-    options->load.structureOnly = true;
+    options->load.structureOnly = options->load.graphOnly = true;
     CLI::App* verb = app.add_subcommand("stats", "Count definitions, uses and occurrences");
     verb->description(kExamples);
     verb->add_option("FILE", options->load.file, "STEP or scene file")->required();

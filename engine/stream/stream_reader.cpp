@@ -1,5 +1,6 @@
 #include "engine/stream/stream_reader.h"
 
+#include "engine/stream/stored_generator.h"
 #include "frame/host/object_writer.h"
 #include "frame/host/reference_source.h"
 
@@ -25,7 +26,11 @@ ResultEnum LoadObject(Interface& object, Stream* stream, Context* context) {
 }  // namespace
 
 StreamReader::StreamReader(std::string name, std::string_view file, Context& context, bool verifyChecksums)
-    : name_(std::move(name)), file_(file), context_(context), verifyChecksums_(verifyChecksums) {}
+    : name_(std::move(name)),
+      file_(file),
+      context_(context),
+      verifyChecksums_(verifyChecksums),
+      inertGenerators_(context.GetOption(0, kInertGenerators, 0) != 0) {}
 
 StreamReader::~StreamReader() = default;
 
@@ -67,6 +72,7 @@ bool StreamReader::MakeObject(std::size_t object, ObjectFactory& factory) {
     auto made = factory.Create();
     if (!made && !factory.IsUnknown())
         return FailAt(LoadFailure::kLimit, 0, fmt::format("no memory for object {}", object + 1));
+    if (inertGenerators_ && Cast<k3::Generator>(made.Get())) made = Make<StoredGenerator>(factory.GetKey());
     if (made && CanBeRead(made.Get())) {
         objects_[object] = std::move(made);
         return true;

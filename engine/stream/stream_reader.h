@@ -65,6 +65,7 @@ private:
     const std::string_view file_;
     Context& context_;
     const bool verifyChecksums_;
+    const bool inertGenerators_;
     bool failed_ = false;
     LoadReport report_;
     Counted<Interface> givenRoot_;
