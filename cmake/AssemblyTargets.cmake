@@ -83,7 +83,7 @@ function(assembly_tests name)
     endif()
     # The loaded modules and the tool are run, not linked; only these programs do so.
     if(name MATCHES "^(frame|importers|roads|tool)$")
-        foreach(loaded IN ITEMS assembly step_importer gltf_importer assembly_tool)
+        foreach(loaded IN ITEMS assembly step_importer gltf_importer assembly_tool make_samples)
             if(TARGET ${loaded})
                 add_dependencies(${target} ${loaded})
             endif()

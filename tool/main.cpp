@@ -2,12 +2,23 @@
 #include "tool/verbs.h"
 #include "tool/version.h"
 
+#include <locale.h>
 #include <cstdio>
 #include <exception>
+#include <string>
 
 namespace {
 
 using assembly::tool::ExitCode;
+
+/// What is wrong with the words of the call, and where help is.
+std::string UsageMessage(const CLI::App* app, const CLI::Error& error) {
+    std::string verb;
+    for (const CLI::App* chosen : app->get_subcommands())
+        verb = " " + chosen->get_name();
+    return "assembly:" + (verb.empty() ? "" : verb + ":") + " " + error.what() + "\nTry: assembly" + verb +
+           " --help\n";
+}
 
 /// CLI11 answers help and version with 0 and everything else with codes of its own.
 int Answer(const CLI::App& app, const CLI::ParseError& error) {
@@ -24,9 +35,11 @@ int Report(ExitCode code, const char* text) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    ::setlocale(LC_CTYPE, "C.UTF-8");  // letters alone: how wide they are on a terminal
     CLI::App app("Reads CAD assemblies as definitions, uses and occurrences.", "assembly");
     app.set_version_flag("--version", assembly::tool::kVersion);
     app.require_subcommand(1);
+    app.failure_message(&UsageMessage);
     app.footer(
         "\nassembly VERB --help shows examples of each verb.\n"
         "Exit codes: 0 fine, 1 findings, 2 usage, 3 input unreadable, 4 output not written, 5 a file is "

@@ -1,8 +1,11 @@
 #include "tool/terminal.h"
 
+#include "frame/host/string.h"
+
 #include <nlohmann/json.hpp>
 
 #include <unistd.h>
+#include <wchar.h>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -15,10 +18,6 @@ constexpr std::size_t kBufferSize = 1 << 16;
 bool WantsColour() {
     const char* refused = std::getenv("NO_COLOR");
     return ::isatty(STDOUT_FILENO) && !(refused && *refused);
-}
-
-bool IsContinuation(unsigned char byte) {
-    return (byte & 0xc0) == 0x80;
 }
 
 }  // namespace
@@ -64,9 +63,12 @@ std::string NumberText(double value) {
 }
 
 std::size_t Width(std::string_view utf8) {
+    const qn::String text = qn::String::FromUtf8(utf8);
     std::size_t width = 0;
-    for (const unsigned char byte : utf8)
-        width += !IsContinuation(byte);
+    for (const wchar_t letter : text.View()) {
+        const int columns = ::wcwidth(letter);
+        width += columns < 0 ? 1 : static_cast<std::size_t>(columns);
+    }
     return width;
 }
 

@@ -33,7 +33,7 @@ private:
 std::string Quoted(std::string_view text);
 /// The shortest text that reads back as the same number; no "-0".
 std::string NumberText(double value);
-/// Columns that the text takes on a terminal (one for each code point).
+/// Columns that the text takes on a terminal (two for wide letters; needs the letters' locale).
 std::size_t Width(std::string_view utf8);
 /// The text with control characters made visible, so that a name cannot move the cursor.
 std::string Printable(std::string_view utf8);
