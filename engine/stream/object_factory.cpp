@@ -3,7 +3,6 @@
 #include "engine/runtime/class_table.h"
 #include "frame/host/api.h"
 #include "frame/host/collections.h"
-#include "frame/host/object_writer.h"
 
 namespace qn {
 namespace {
@@ -30,6 +29,13 @@ Counted<Interface> ObjectFactory::Create() {
     if (api && !unknown_) object = api->Create(key_.c_str());
     unknown_ = !object;
     return object;
+}
+
+// All objects of a factory are of one class, so the first one answers for the others.
+const ObjectWriter* ObjectFactory::WriterFor(const Interface& object) {
+    if (!looked_) writer_ = FindObjectWriter(object.GetInterfaceName());
+    looked_ = true;
+    return writer_;
 }
 
 const char* StoredKeyOf(const Interface& object) {

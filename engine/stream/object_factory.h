@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/host/counted.h"
+#include "frame/host/object_writer.h"
 
 #include <string>
 #include <string_view>
@@ -17,12 +17,16 @@ public:
     /// A new object, or null: `IsUnknown` then tells whether the class or the memory is missing.
     Counted<Interface> Create();
     bool IsUnknown() const { return unknown_; }
+    /// How to read an object that this made; null: it reads itself.
+    const ObjectWriter* WriterFor(const Interface& object);
 
 private:
     std::string key_;
     Counted<Interface> (*counted_)() = nullptr;
     Interface* (*owned_)() = nullptr;
     bool unknown_ = false;
+    bool looked_ = false;
+    const ObjectWriter* writer_ = nullptr;
 };
 
 /// The key under which an object is stored: its class key, but for classes whose objects cannot be turned

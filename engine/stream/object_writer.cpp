@@ -2,14 +2,15 @@
 
 #include "engine/stream/builtin_writers.h"
 
-#include <vector>
+#include <deque>
 
 namespace qn {
 namespace {
 
-/// Few rows, looked at once for each object.
-std::vector<ObjectWriter>& Writers() {
-    static std::vector<ObjectWriter>& writers = *new std::vector<ObjectWriter>(BuiltinWriters());
+/// Few rows, which keep their addresses.
+std::deque<ObjectWriter>& Writers() {
+    static const auto builtin = BuiltinWriters();
+    static auto& writers = *new std::deque<ObjectWriter>(builtin.begin(), builtin.end());
     return writers;
 }
 

@@ -1,7 +1,6 @@
 #include "engine/stream/stream_reader.h"
 
 #include "engine/stream/stored_generator.h"
-#include "frame/host/object_writer.h"
 #include "frame/host/reference_source.h"
 
 #include <fmt/format.h>
@@ -12,16 +11,6 @@ namespace {
 using namespace scene_file;
 
 constexpr std::size_t kProgressStep = 0x1000;  // objects between two reports
-
-bool CanBeRead(Interface* object) {
-    return FindObjectWriter(object->GetInterfaceName()) || Cast<ReferenceSource>(object);
-}
-
-ResultEnum LoadObject(Interface& object, Stream* stream, Context* context) {
-    if (const ObjectWriter* writer = FindObjectWriter(object.GetInterfaceName()))
-        return writer->load(object, stream, context);
-    return Cast<ReferenceSource>(&object)->Load(stream, context);
-}
 
 }  // namespace
 
@@ -49,12 +38,13 @@ Interface* StreamReader::GetRoot() const {
 }
 
 bool StreamReader::MakeObjects() {
-    std::vector<ObjectFactory> factories(container_.classKeys.begin(), container_.classKeys.end());
+    for (const auto key : container_.classKeys)
+        factories_.emplace_back(key);
     objects_.resize(container_.index.size());
     for (std::size_t i = 0; i < objects_.size(); ++i) {
         if (i % kProgressStep == 0 && context_.IsCancelled())
             return FailAt(LoadFailure::kCancelled, 0, "cancelled");
-        if (!MakeObject(i, factories[container_.index[i].classNumber])) return false;
+        if (!MakeObject(i, factories_[container_.index[i].classNumber])) return false;
     }
     return true;
 }
@@ -73,7 +63,7 @@ bool StreamReader::MakeObject(std::size_t object, ObjectFactory& factory) {
     if (!made && !factory.IsUnknown())
         return FailAt(LoadFailure::kLimit, 0, fmt::format("no memory for object {}", object + 1));
     if (inertGenerators_ && Cast<k3::Generator>(made.Get())) made = Make<StoredGenerator>(factory.GetKey());
-    if (made && CanBeRead(made.Get())) {
+    if (made && (Cast<ReferenceSource>(made.Get()) || factory.WriterFor(*made))) {
         objects_[object] = std::move(made);
         return true;
     }
@@ -116,13 +106,20 @@ bool StreamReader::ReadBody(std::size_t object, std::string_view body) {
     object_ = object;
     inBody_ = true;
     cursor_.Start(body);
-    const ResultEnum result = LoadObject(*objects_[object], this, &context_);
+    const ResultEnum result = LoadObject(object);
     if (!Succeeded(result))
         FailHere(LoadFailure::kMalformed,
                  fmt::format("the object refuses what it reads: result {}", ToInt(result)));
     inBody_ = false;
     ++report_.objects;
     return !failed_;
+}
+
+ResultEnum StreamReader::LoadObject(std::size_t object) {
+    Interface& loaded = *objects_[object];
+    if (const ObjectWriter* writer = factories_[container_.index[object].classNumber].WriterFor(loaded))
+        return writer->load(loaded, this, &context_);
+    return Cast<ReferenceSource>(&loaded)->Load(this, &context_);
 }
 
 bool StreamReader::NextChunk() {

@@ -57,6 +57,7 @@ private:
     bool MakeObject(std::size_t object, ObjectFactory& factory);
     bool ReadBodies();
     bool ReadBody(std::size_t object, std::string_view body);
+    ResultEnum LoadObject(std::size_t object);
     bool OpenNextBlock();
     bool GoesOn(std::size_t object);
     void TakeApart();
@@ -70,6 +71,7 @@ private:
     LoadReport report_;
     Counted<Interface> givenRoot_;
     scene_file::Container container_;
+    std::vector<ObjectFactory> factories_;     // by class
     std::vector<Counted<Interface>> objects_;  // by number - 1; null where the class is unknown
 
     // The body that is being read.

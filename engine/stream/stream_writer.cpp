@@ -16,7 +16,7 @@ namespace {
 namespace limits = scene_file_limits;
 using namespace scene_file;
 
-constexpr std::uint32_t kNoRecord = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t kNoRecord = PointerIndex::kNone;
 constexpr std::size_t kDeepestBody = 4;        // collections written at once inside each other
 constexpr std::uint32_t kCancelStep = 0x1000;  // objects between two looks at the context
 
@@ -25,7 +25,7 @@ bool IsCollection(Interface* object) {
 }
 
 bool CanBeWritten(Interface& object, const char* key) {
-    return key && *key && (FindObjectWriter(key) || Cast<ReferenceSource>(&object));
+    return key && *key && (Cast<ReferenceSource>(&object) || FindObjectWriter(key));
 }
 
 }  // namespace
@@ -59,12 +59,12 @@ bool StreamWriter::WriteBodies(Interface& root) {
 
 bool StreamWriter::LearnLooseEnds() {
     for (const WeakLink& link : weakLinks_)
-        if (!recordOf_.contains(link.target)) looseEnds_.insert(link.target);
+        if (recordOf_.Find(link.target) == kNoRecord) looseEnds_.insert(link.target);
     if (looseEnds_.empty()) return false;
     report_ = {};
-    bytes_.clear(), records_.clear(), recordOf_.clear(), places_.clear(), weakLinks_.clear();
+    bytes_.clear(), records_.clear(), recordOf_.Clear(), places_.clear(), weakLinks_.clear();
     graph_ = {};
-    classKeys_.clear(), classNumberOf_.clear();
+    classes_.clear(), classNumberOf_.clear(), classNumberOfText_.clear();
     objects_.clear();
     return true;
 }
@@ -74,7 +74,7 @@ bool StreamWriter::WriteBody(std::uint32_t record) {
     if (openCount_ == open_.size()) open_.emplace_back();
     Body& body = open_[openCount_++];
     body.record = record;
-    const ResultEnum result = SaveObject(*objects_[record]);
+    const ResultEnum result = SaveObject(record);
     if (!Succeeded(result))
         FailWith(LoadFailure::kDefect, fmt::format("the object cannot be saved: result {}", ToInt(result)));
     KeepBody(body);
@@ -82,8 +82,9 @@ bool StreamWriter::WriteBody(std::uint32_t record) {
     return !failed_;
 }
 
-ResultEnum StreamWriter::SaveObject(Interface& object) {
-    if (const ObjectWriter* writer = FindObjectWriter(object.GetInterfaceName()))
+ResultEnum StreamWriter::SaveObject(std::uint32_t record) {
+    Interface& object = *objects_[record];
+    if (const ObjectWriter* writer = classes_[records_[record].classNumber].writer)
         return writer->save(object, this, &context_);
     return Cast<ReferenceSource>(&object)->Save(this, &context_);
 }
@@ -106,9 +107,9 @@ void StreamWriter::KeepBody(Body& body) {
 }
 
 std::uint32_t StreamWriter::Register(Interface& object) {
-    if (const auto known = recordOf_.find(&object); known != recordOf_.end()) return known->second;
-    const char* key = StoredKeyOf(object);
-    if (!CanBeWritten(object, object.GetInterfaceName())) {
+    if (const std::uint32_t known = recordOf_.Find(&object); known != kNoRecord) return known;
+    const char* key = object.GetInterfaceName();
+    if (!CanBeWritten(object, key)) {
         ++report_.unwritable[key && *key ? key : "(no class key)"];
         return kNoRecord;
     }
@@ -117,21 +118,31 @@ std::uint32_t StreamWriter::Register(Interface& object) {
         return kNoRecord;
     }
     const auto record = static_cast<std::uint32_t>(records_.size());
-    recordOf_.emplace(&object, record);
+    recordOf_.Insert(&object, record);
     objects_.emplace_back(&object);
-    records_.push_back({0, 0, ClassNumberOf(key), false});
+    records_.push_back({0, 0, ClassNumberOf(object), false});
     graph_.Resize(records_.size());
     return record;
 }
 
-std::uint32_t StreamWriter::ClassNumberOf(const char* key) {
-    const auto [entry, isNew] = classNumberOf_.emplace(key, static_cast<std::uint32_t>(classKeys_.size()));
-    if (!isNew) return entry->second;
-    if (classKeys_.size() >= limits::kMostClasses || entry->first.size() > limits::kLongestClassKey)
+std::uint32_t StreamWriter::ClassNumberOf(const Interface& object) {
+    const char* key = StoredKeyOf(object);
+    if (const auto known = classNumberOfText_.find(key); known != classNumberOfText_.end())
+        return known->second;
+    const auto known = classNumberOf_.find(key);
+    const std::uint32_t number = known != classNumberOf_.end() ? known->second : AddClass(key, object);
+    classNumberOfText_.emplace(key, number);
+    return number;
+}
+
+std::uint32_t StreamWriter::AddClass(const char* key, const Interface& object) {
+    const auto number = static_cast<std::uint32_t>(classes_.size());
+    classes_.push_back({key, FindObjectWriter(object.GetInterfaceName())});
+    classNumberOf_.emplace(key, number);
+    if (classes_.size() > limits::kMostClasses || classes_.back().key.size() > limits::kLongestClassKey)
         FailWith(LoadFailure::kLimit, fmt::format("more than {} classes, or a key of more than {} letters",
                                                   limits::kMostClasses, limits::kLongestClassKey));
-    classKeys_.emplace_back(key);
-    return entry->second;
+    return number;
 }
 
 bool StreamWriter::Append(const void* data, std::size_t size) {
@@ -217,12 +228,12 @@ void StreamWriter::PatchNumbers(const std::vector<std::uint32_t>& order) {
     for (std::size_t i = 0; i < places_.size(); ++i)
         PutAt(bytes_.data() + places_[i], numberOf[targets[i]]);
     for (const WeakLink& link : weakLinks_)
-        if (const auto known = recordOf_.find(link.target); known != recordOf_.end())
-            PutAt(bytes_.data() + link.place, numberOf[known->second]);
+        if (const std::uint32_t known = recordOf_.Find(link.target); known != kNoRecord)
+            PutAt(bytes_.data() + link.place, numberOf[known]);
 }
 
 std::string StreamWriter::Assemble(const std::vector<std::uint32_t>& order) {
-    std::vector<std::uint32_t> classOf(classKeys_.size(), kNoRecord);
+    std::vector<std::uint32_t> classOf(classes_.size(), kNoRecord);
     std::uint32_t classCount = 0;
     std::string classes, index, block, blocks;
     std::vector<BlockRow> bodyRows;
@@ -234,7 +245,7 @@ std::string StreamWriter::Assemble(const std::vector<std::uint32_t>& order) {
         const Record& record = records_[number];
         std::uint32_t& classNumber = classOf[record.classNumber];
         if (classNumber == kNoRecord) {
-            const std::string& key = classKeys_[record.classNumber];
+            const std::string& key = classes_[record.classNumber].key;
             Put(classes, static_cast<std::uint16_t>(key.size()));
             classes.append(key);
             classNumber = classCount++;

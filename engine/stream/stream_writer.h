@@ -1,8 +1,10 @@
 #pragma once
 
 #include "engine/stream/load_report.h"
+#include "engine/stream/pointer_index.h"
 #include "engine/stream/record_order.h"
 #include "frame/host/context.h"
+#include "frame/host/object_writer.h"
 #include "frame/host/stream.h"
 
 #include <deque>
@@ -56,6 +58,10 @@ private:
         std::uint32_t classNumber = 0;
         bool saved = false;
     };
+    struct StoredClass {
+        std::string key;
+        const ObjectWriter* writer;  // null: its objects save themselves
+    };
     struct Link {
         std::size_t place;  // of a number: in the body while that is written, then in bytes_
         std::uint32_t target;
@@ -80,12 +86,13 @@ private:
     bool FailWith(LoadFailure kind, const std::string& cause);
     bool Append(const void* data, std::size_t size);
     std::uint32_t Register(Interface& object);
-    std::uint32_t ClassNumberOf(const char* key);
+    std::uint32_t ClassNumberOf(const Interface& object);
+    std::uint32_t AddClass(const char* key, const Interface& object);
     bool WriteBodies(Interface& root);
     /// Forgets everything but the weak links that lead nowhere; false if there is none, or if they are known.
     bool LearnLooseEnds();
     bool WriteBody(std::uint32_t record);
-    ResultEnum SaveObject(Interface& object);
+    ResultEnum SaveObject(std::uint32_t record);
     void KeepBody(Body& body);
     /// Writes the number of the object's record, which is made on demand; gives the record, kNoRecord for
     /// null.
@@ -106,12 +113,13 @@ private:
     std::vector<Counted<Interface>> objects_;         // beside records_
     std::vector<Counted<Interface>> weakTargets_;     // so that no address is used twice
     std::unordered_set<const Interface*> looseEnds_;  // named by weak values alone
-    std::unordered_map<const Interface*, std::uint32_t> recordOf_;
+    PointerIndex recordOf_;
     scene_file::ReferenceGraph graph_;
     std::vector<std::size_t> places_;  // of the numbers, beside the graph's targets
     std::vector<WeakLink> weakLinks_;
-    std::vector<std::string> classKeys_;
+    std::vector<StoredClass> classes_;
     std::unordered_map<std::string, std::uint32_t> classNumberOf_;
+    std::unordered_map<const char*, std::uint32_t> classNumberOfText_;  // the same by the text's address
 };
 
 /// Whether a reader of what is written here will find the object. Classes that leave out what is not stored
