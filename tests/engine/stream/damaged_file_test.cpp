@@ -4,6 +4,7 @@
 #include "tests/engine/stream/knot.h"
 #include "tests/engine/stream/scene_file_bytes.h"
 #include "tests/support/recording_context.h"
+#include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -65,6 +66,40 @@ TEST(DamagedFile, IsReadOrRefusedWithinBoundsWhenItsChecksumsFit) {
         }
         bytes[i] = before;
     }
+}
+
+/// Small scenes, with their nodes or without.
+std::vector<std::string> SceneFiles() {
+    std::vector<std::string> files;
+    const std::filesystem::path folder = ASSEMBLY_SOURCE_DIR "/fuzz/corpus/scene_file";
+    for (const char* name :
+         {"scene.qn", "scene_plain.qn", "values_plain.qn", "expanded_plain.qn", "compact.qn"})
+        files.push_back(ReadBytes(folder / name));
+    return files;
+}
+
+TEST(DamagedFile, OfAWholeSceneIsRefusedWhenCutOrChanged) {
+    for (std::string bytes : SceneFiles()) {
+        ASSERT_EQ(FaultOfBytes(bytes), "");
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            EXPECT_NE(FaultOfBytes(std::string_view(bytes).substr(0, i)), "") << i;
+            bytes[i] = static_cast<char>(bytes[i] ^ 0x10);
+            EXPECT_NE(FaultOfBytes(bytes), "") << i;
+            bytes[i] = static_cast<char>(bytes[i] ^ 0x10);
+        }
+    }
+}
+
+TEST(DamagedFile, OfAWholeSceneIsReadOrRefusedWithinBoundsWhenItsChecksumsFit) {
+    for (std::string bytes : SceneFiles())
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            const char before = bytes[i];
+            for (const int value : {0x00, 0x01, 0x7f, 0xff, before + 1, before - 1}) {
+                bytes[i] = static_cast<char>(value);
+                ReadWithinBounds(bytes, false);
+            }
+            bytes[i] = before;
+        }
 }
 
 TEST(DamagedFile, IsReadOrRefusedWithinBoundsWhenOneBodyChangesAnywhere) {
