@@ -1,7 +1,7 @@
-#include <cstdint>
-
 #include "frame/host/api.h"
 #include "importers/step/step_importer.h"
+
+#include <cstdint>
 
 namespace qn::step {
 namespace {

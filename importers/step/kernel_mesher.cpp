@@ -1,10 +1,13 @@
 #include "importers/step/kernel_mesher.h"
 
+#include "importers/step/step_transform.h"
+
 #include <Bnd_Box.hxx>
 #include <BRep_Tool.hxx>
 #include <BRepBndLib.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>
 #include <gp_Trsf.hxx>
+#include <IMeshTools_Parameters.hxx>
 #include <Poly_Triangulation.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopLoc_Location.hxx>
@@ -14,8 +17,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-
-#include "importers/step/step_transform.h"
 
 namespace qn::step {
 namespace {
@@ -148,14 +149,15 @@ double Diagonal(const std::vector<PlacedShape>& shapes) {
 }  // namespace
 
 MeshData MeshShapes(const std::vector<PlacedShape>& shapes, const FaceColours& colours,
-                    const Tessellation& tessellation) {
+                    const Tessellation& tessellation, KernelWatch& watch) {
     const double wanted =
         tessellation.tolerance > 0 ? tessellation.tolerance : Diagonal(shapes) * kToleranceShare;
-    const double tolerance = std::max(wanted, kFinestTolerance);
-    const double angle = std::max(tessellation.angle, kFinestAngle) * std::numbers::pi / 180;
+    IMeshTools_Parameters parameters;
+    parameters.Deflection = std::max(wanted, kFinestTolerance);
+    parameters.Angle = std::max(tessellation.angle, kFinestAngle) * std::numbers::pi / 180;
     MeshBuilder builder;
     for (const PlacedShape& placed : shapes) {
-        const BRepMesh_IncrementalMesh mesher(placed.shape, tolerance, false, angle, false);
+        const BRepMesh_IncrementalMesh mesher(placed.shape, parameters, watch.Range());
         for (TopExp_Explorer at(placed.shape, TopAbs_FACE); at.More(); at.Next()) {
             const TopoDS_Face& face = TopoDS::Face(at.Current());
             const auto own = colours.find(face.TShape().get());

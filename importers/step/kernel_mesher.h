@@ -1,11 +1,13 @@
 #pragma once
 
-#include <Standard_Transient.hxx>
-#include <TopoDS_Shape.hxx>
-#include <unordered_map>
-
+#include "importers/step/kernel_watch.h"
 #include "importers/step/step_geometry.h"
 #include "importers/step/step_mesh.h"
+
+#include <Standard_Transient.hxx>
+#include <TopoDS_Shape.hxx>
+
+#include <unordered_map>
 
 namespace qn::step {
 
@@ -19,8 +21,9 @@ struct PlacedShape {
     std::optional<Colour> colour;
 };
 
-/// Triangulates the shapes into one mesh. Faces that cannot be triangulated are left out.
+/// Triangulates the shapes into one mesh. Faces that cannot be triangulated, or are not when the watch stops
+/// the work, are left out.
 MeshData MeshShapes(const std::vector<PlacedShape>& shapes, const FaceColours& colours,
-                    const Tessellation& tessellation);
+                    const Tessellation& tessellation, KernelWatch& watch);
 
 }  // namespace qn::step

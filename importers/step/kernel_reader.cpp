@@ -1,5 +1,7 @@
 #include "importers/step/kernel_reader.h"
 
+#include "importers/step/part21_error.h"
+
 #include <IFSelect_ReturnStatus.hxx>
 #include <Interface_HGraph.hxx>
 #include <StepData_StepModel.hxx>
@@ -11,8 +13,6 @@
 
 #include <algorithm>
 #include <sstream>
-
-#include "importers/step/part21_error.h"
 
 namespace qn::step {
 namespace {
@@ -51,14 +51,15 @@ Handle(Standard_Transient) KernelReader::Entity(EntityId id) const {
     return found == numbers_.end() ? Handle(Standard_Transient)() : reader_.StepModel()->Value(found->second);
 }
 
-TopoDS_Shape KernelReader::BuildItem(EntityId representation, EntityId item) {
+TopoDS_Shape KernelReader::BuildItem(EntityId representation, EntityId item,
+                                     const Message_ProgressRange& range) {
     const Handle(Standard_Transient) entity = Entity(item);
     if (entity.IsNull()) return {};
     if (unitsOf_ != representation)
         actor_->PrepareUnits(Handle(StepRepr_Representation)::DownCast(Entity(representation)), process_);
     unitsOf_ = representation;
     if (process_->IsBound(entity)) return TransferBRep::ShapeResult(process_, entity);
-    const Handle(Transfer_Binder) binder = actor_->TransferShape(entity, process_);
+    const Handle(Transfer_Binder) binder = actor_->TransferShape(entity, process_, true, false, range);
     return binder.IsNull() ? TopoDS_Shape() : TransferBRep::ShapeResult(binder);
 }
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <string>
-#include <unordered_map>
+#include "importers/step/kernel_mesher.h"
+#include "importers/step/step_colours.h"
 
 #include <STEPControl_ActorRead.hxx>
 #include <STEPControl_Reader.hxx>
 #include <Transfer_TransientProcess.hxx>
 
-#include "importers/step/kernel_mesher.h"
-#include "importers/step/step_colours.h"
+#include <string>
+#include <unordered_map>
 
 namespace qn::step {
 
@@ -20,7 +20,7 @@ public:
     explicit KernelReader(const std::string& text);
 
     /// The shape of one item of a representation in millimetres; null if the kernel makes none.
-    TopoDS_Shape BuildItem(EntityId representation, EntityId item);
+    TopoDS_Shape BuildItem(EntityId representation, EntityId item, const Message_ProgressRange& range);
 
     /// Colours of the faces built so far. A face's own colour wins over that of its shell, and that
     /// over the solid's.

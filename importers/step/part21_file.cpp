@@ -1,9 +1,9 @@
 #include "importers/step/part21_file.h"
 
+#include "importers/step/part21_lexer.h"
+
 #include <algorithm>
 #include <unordered_map>
-
-#include "importers/step/part21_lexer.h"
 
 namespace qn::step {
 namespace {

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "importers/step/part21_error.h"
+#include "importers/step/part21_record.h"
+
 #include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "importers/step/part21_error.h"
-#include "importers/step/part21_record.h"
 
 namespace qn::step {
 

@@ -1,10 +1,10 @@
 #include "importers/step/part21_lexer.h"
 
+#include "importers/step/part21_error.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-
-#include "importers/step/part21_error.h"
 
 namespace qn::step {
 namespace {

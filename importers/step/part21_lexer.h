@@ -1,9 +1,9 @@
 #pragma once
 
+#include "importers/step/part21_record.h"
+
 #include <string>
 #include <string_view>
-
-#include "importers/step/part21_record.h"
 
 namespace qn::step {
 

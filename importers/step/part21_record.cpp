@@ -1,11 +1,11 @@
 #include "importers/step/part21_record.h"
 
+#include "importers/step/part21_lexer.h"
+#include "importers/step/part21_text.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
-
-#include "importers/step/part21_lexer.h"
-#include "importers/step/part21_text.h"
 
 namespace qn::step {
 namespace {

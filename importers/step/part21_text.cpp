@@ -1,9 +1,9 @@
 #include "importers/step/part21_text.h"
 
+#include "importers/step/part21_codepage.h"
+
 #include <algorithm>
 #include <cstdint>
-
-#include "importers/step/part21_codepage.h"
 
 namespace qn::step {
 namespace {

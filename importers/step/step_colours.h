@@ -1,9 +1,9 @@
 #pragma once
 
-#include <unordered_map>
-
 #include "importers/step/part21_file.h"
 #include "importers/step/step_model.h"
+
+#include <unordered_map>
 
 namespace qn::step {
 

@@ -1,8 +1,8 @@
 #include "importers/step/step_cycles.h"
 
-#include <algorithm>
-
 #include "importers/step/part21_error.h"
+
+#include <algorithm>
 
 namespace qn::step {
 namespace {

@@ -1,12 +1,14 @@
 #include "importers/step/step_geometry.h"
 
+#include "importers/step/kernel_guard.h"
+#include "importers/step/kernel_reader.h"
+#include "importers/step/kernel_watch.h"
+#include "importers/step/part21_numbers.h"
+
 #include <algorithm>
 #include <memory>
 #include <mutex>
 #include <unordered_set>
-
-#include "importers/step/kernel_guard.h"
-#include "importers/step/kernel_reader.h"
 
 namespace qn::step {
 namespace {
@@ -27,7 +29,8 @@ public:
           file_(*structure.file),
           take_(take),
           progress_(progress),
-          result_(result) {}
+          result_(result),
+          watch_(new KernelWatch([this] { return Report(); })) {}
 
     GeometryRun(const GeometryRun&) = delete;
     GeometryRun& operator=(const GeometryRun&) = delete;
@@ -40,37 +43,47 @@ public:
     }
 
     void Read(const std::string& name) {
-        const GuardResult outcome = RunGuarded(
-            [&] { reader_ = std::make_unique<KernelReader>(file_.Extract(NeededRepresentations())); });
+        const GuardResult outcome = RunGuarded([&] {
+            const std::string shapes = file_.Extract(NeededRepresentations());
+            RefuseHugeNumbers(shapes);
+            reader_ = std::make_unique<KernelReader>(shapes);
+        });
         if (!outcome.error.empty()) result_.error = name + ": " + outcome.error;
     }
 
     void Build() {
         shapes_.resize(model_.definitions.size());
         for (std::size_t i = 0; i < shapes_.size() && Go(kAfterReading, kAfterBuilding, i); ++i)
-            Watch(i, [&] { BuildDefinition(i); });
+            if (!Watch(i, [&] { BuildDefinition(i); })) shapes_[i].clear();
     }
 
     void Triangulate(const Tessellation& tessellation) {
         FaceColours faces;
-        Watch(0, [&] { faces = reader_->ColoursOfFaces(colours_); });
+        Guard("colours", [&] { faces = reader_->ColoursOfFaces(colours_); });
         for (std::size_t i = 0; i < shapes_.size() && Go(kAfterBuilding, 1, i); ++i) {
             if (shapes_[i].empty()) continue;
             MeshData mesh;
-            Watch(i, [&] { mesh = MeshShapes(shapes_[i], faces, tessellation); });
+            const bool isDone =
+                Watch(i, [&] { mesh = MeshShapes(shapes_[i], faces, tessellation, *watch_); });
             shapes_[i].clear();
-            if (!mesh.IsEmpty()) take_(i, std::move(mesh));
+            if (isDone && !mesh.IsEmpty()) take_(i, std::move(mesh));
         }
     }
 
+    /// Reports how far the work is; false if it is to stop.
     bool Go(double from, double to, std::size_t done) {
         const double share =
             shapes_.empty() ? 1 : static_cast<double>(done) / static_cast<double>(shapes_.size());
-        if (progress_ && !progress_(from + (to - from) * share)) result_.isCancelled = true;
-        return result_.Ok();
+        fraction_ = from + (to - from) * share;
+        return Report();
     }
 
 private:
+    bool Report() {
+        if (progress_ && !progress_(fraction_)) result_.isCancelled = true;
+        return result_.Ok();
+    }
+
     std::vector<EntityId> NeededRepresentations() const {
         std::vector<EntityId> needed;
         for (const Definition& definition : model_.definitions)
@@ -86,7 +99,7 @@ private:
             for (const EntityId item : piece.items) {
                 if (!seen.insert(item).second) continue;
                 PlacedShape placed;
-                placed.shape = reader_->BuildItem(piece.representation, item);
+                placed.shape = reader_->BuildItem(piece.representation, item, watch_->Range());
                 placed.toDefinition = piece.toDefinition;
                 if (colour != colours_.end()) placed.colour = colour->second;
                 if (!placed.shape.IsNull()) shapes_[index].push_back(placed);
@@ -94,13 +107,23 @@ private:
         }
     }
 
-    /// A definition that the kernel fails on is told and left without what was not finished.
+    /// Work for one definition. False if it was not finished in time or by a stop; what fails otherwise
+    /// leaves what there is.
     template <class Work>
-    void Watch(std::size_t index, Work&& work) {
+    bool Watch(std::size_t index, Work&& work) {
+        const std::string name = "\"" + model_.definitions[index].name + "\"";
+        watch_->BeginDefinition();
+        Guard(name, work);
+        if (watch_->TookTooLong())
+            result_.warnings.push_back(name + ": no geometry, it takes longer than " +
+                                       std::to_string(KernelWatch::kLongestWork.count()) + " seconds");
+        return !watch_->TookTooLong() && result_.Ok();
+    }
+
+    void Guard(const std::string& name, const std::function<void()>& work) {
         const GuardResult outcome = RunGuarded(work);
         hasFaulted_ = hasFaulted_ || outcome.isFault;
-        if (!outcome.error.empty())
-            result_.warnings.push_back("\"" + model_.definitions[index].name + "\": " + outcome.error);
+        if (!outcome.error.empty()) result_.warnings.push_back(name + ": " + outcome.error);
     }
 
     const StepModel& model_;
@@ -109,6 +132,8 @@ private:
     const MeshSink& take_;
     const ProgressSink& progress_;
     GeometryResult& result_;
+    Handle(KernelWatch) watch_;
+    double fraction_ = 0;
     std::unique_ptr<KernelReader> reader_;
     std::vector<std::vector<PlacedShape>> shapes_;
     bool hasFaulted_ = false;

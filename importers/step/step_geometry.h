@@ -1,12 +1,12 @@
 #pragma once
 
+#include "importers/step/step_mesh.h"
+#include "importers/step/step_structure.h"
+
 #include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
-
-#include "importers/step/step_mesh.h"
-#include "importers/step/step_structure.h"
 
 namespace qn::step {
 

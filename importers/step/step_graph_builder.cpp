@@ -1,7 +1,5 @@
 #include "importers/step/step_graph_builder.h"
 
-#include <algorithm>
-
 #include "construction/hierarchy_generator.h"
 #include "frame/host/api.h"
 #include "frame/host/importer.h"
@@ -9,6 +7,8 @@
 #include "frame/host/object3d.h"
 #include "graph/instance.h"
 #include "importers/step/step_metadata.h"
+
+#include <algorithm>
 
 namespace qn::step {
 namespace {

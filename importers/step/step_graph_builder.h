@@ -1,13 +1,13 @@
 #pragma once
 
-#include <vector>
-
 #include "frame/host/counted.h"
 #include "frame/host/node.h"
 #include "graph/lookup_table.h"
 #include "graph/reference.h"
 #include "importers/step/step_mesh.h"
 #include "importers/step/step_model.h"
+
+#include <vector>
 
 namespace qn::step {
 

@@ -1,7 +1,5 @@
 #include "importers/step/step_importer.h"
 
-#include <algorithm>
-
 #include "frame/host/context.h"
 #include "frame/host/parameter_ids.h"
 #include "frame/host/scene.h"
@@ -9,6 +7,8 @@
 #include "importers/step/step_graph_builder.h"
 #include "importers/step/step_metadata.h"
 #include "importers/step/step_structure.h"
+
+#include <algorithm>
 
 namespace qn::step {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "importers/step/step_model.h"
+
 #include <cstdint>
 #include <optional>
 #include <vector>
-
-#include "importers/step/step_model.h"
 
 namespace qn::step {
 

@@ -1,12 +1,12 @@
 #include "importers/step/step_placement.h"
 
+#include "importers/step/step_transform.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
 #include <utility>
-
-#include "importers/step/step_transform.h"
 
 namespace qn::step {
 namespace {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <unordered_map>
-#include <vector>
-
 #include "importers/step/part21_file.h"
 #include "importers/step/step_model.h"
 #include "importers/step/step_units.h"
+
+#include <unordered_map>
+#include <vector>
 
 namespace qn::step {
 

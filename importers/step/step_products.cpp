@@ -1,8 +1,8 @@
 #include "importers/step/step_products.h"
 
-#include <unordered_set>
-
 #include "importers/step/step_cycles.h"
+
+#include <unordered_set>
 
 namespace qn::step {
 namespace {

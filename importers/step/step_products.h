@@ -1,10 +1,10 @@
 #pragma once
 
-#include <optional>
-#include <unordered_map>
-
 #include "importers/step/part21_file.h"
 #include "importers/step/step_model.h"
+
+#include <optional>
+#include <unordered_map>
 
 namespace qn::step {
 

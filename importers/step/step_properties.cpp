@@ -1,8 +1,8 @@
 #include "importers/step/step_properties.h"
 
-#include <unordered_map>
-
 #include "importers/step/step_units.h"
+
+#include <unordered_map>
 
 namespace qn::step {
 namespace {

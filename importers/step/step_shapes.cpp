@@ -1,14 +1,14 @@
 #include "importers/step/step_shapes.h"
 
+#include "importers/step/step_placement.h"
+#include "importers/step/step_transform.h"
+
 #include <algorithm>
 #include <iterator>
 #include <set>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
-
-#include "importers/step/step_placement.h"
-#include "importers/step/step_transform.h"
 
 namespace qn::step {
 namespace {

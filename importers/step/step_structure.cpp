@@ -1,15 +1,15 @@
 #include "importers/step/step_structure.h"
 
+#include "importers/step/step_documents.h"
+#include "importers/step/step_products.h"
+#include "importers/step/step_properties.h"
+#include "importers/step/step_shapes.h"
+
 #include <exception>
 #include <fstream>
 #include <new>
 #include <system_error>
 #include <utility>
-
-#include "importers/step/step_documents.h"
-#include "importers/step/step_products.h"
-#include "importers/step/step_properties.h"
-#include "importers/step/step_shapes.h"
 
 namespace qn::step {
 namespace {

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <filesystem>
-#include <memory>
-#include <string>
-
 #include "importers/step/part21_error.h"
 #include "importers/step/part21_file.h"
 #include "importers/step/step_colours.h"
 #include "importers/step/step_model.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
 
 namespace qn::step {
 

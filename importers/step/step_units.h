@@ -1,9 +1,9 @@
 #pragma once
 
+#include "importers/step/part21_file.h"
+
 #include <string>
 #include <unordered_map>
-
-#include "importers/step/part21_file.h"
 
 namespace qn::step {
 

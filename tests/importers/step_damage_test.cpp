@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include "importers/step/step_structure.h"
 #include "tests/importers/step_text.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,13 +1,13 @@
+#include "importers/step/step_structure.h"
+#include "tests/importers/step_summary.h"
+#include "tests/support/data_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
-
-#include "importers/step/step_structure.h"
-#include "tests/importers/step_summary.h"
-#include "tests/support/data_dir.h"
 
 namespace {
 

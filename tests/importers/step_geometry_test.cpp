@@ -1,11 +1,12 @@
+#include "importers/step/step_geometry.h"
+
+#include "importers/step/step_structure.h"
+#include "tests/support/data_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <map>
-
-#include "importers/step/step_geometry.h"
-#include "importers/step/step_structure.h"
-#include "tests/support/data_dir.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 #include "importers/step/step_structure.h"
 
+#include "importers/step/step_transform.h"
+#include "tests/importers/step_text.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cmath>
-
-#include "importers/step/step_transform.h"
-#include "tests/importers/step_text.h"
 
 namespace {
 

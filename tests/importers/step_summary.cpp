@@ -1,12 +1,12 @@
 #include "tests/importers/step_summary.h"
 
+#include "importers/step/step_transform.h"
+#include "tests/importers/sha256.h"
+
 #include <algorithm>
 #include <array>
 #include <map>
 #include <set>
-
-#include "importers/step/step_transform.h"
-#include "tests/importers/sha256.h"
 
 namespace {
 

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "importers/step/step_model.h"
+
 #include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
-
-#include "importers/step/step_model.h"
 
 /// What the independent reader's files state about a STEP file, taken from our model of it:
 /// counts, names with their counts, uses, occurrence paths, summed world origins.
