@@ -11,7 +11,7 @@ constexpr const wchar_t* kSelectorFamily = L"s";
 
 /// The element under a text, counted; null for an empty text, too.
 template <class T>
-Counted<T> FindIn(const TextIndex<T>& index, const String& text) {
+Counted<T> FindIn(const ElementIndex<T>& index, const String& text) {
     if (text.IsEmpty()) return nullptr;
     const auto found = index.find(text);
     return found == index.end() ? Counted<T>() : found->second;

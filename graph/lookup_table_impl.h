@@ -11,6 +11,7 @@
 #include "graph/node_maps.h"
 #include "graph/persistent_selector.h"
 #include "graph/reference.h"
+#include "graph/text_index.h"
 #include "graph/watched_map.h"
 
 #include <set>
@@ -20,10 +21,9 @@
 
 namespace qn::graph {
 
-/// Elements by text. A null value counts as absent, but shows that the text was asked for. Never walked, so
-/// unordered.
+/// Elements by text. A null value counts as absent, but shows that the text was asked for.
 template <class T>
-using TextIndex = std::unordered_map<String, Counted<T>>;
+using ElementIndex = TextIndex<Counted<T>>;
 /// Membership only, so unordered.
 template <class T>
 using ElementPool = std::unordered_set<Counted<T>>;
@@ -110,15 +110,14 @@ public:
     Weak<Context> context;
     ElementPool<Instance> instances;
     ElementPool<Reference> references;
-    TextIndex<Instance> instancesById;    ///< by property 0x0f
-    TextIndex<Reference> referencesById;  ///< by property 0x0f
-    std::unordered_map<String, String>
-        selectorOwners;                     ///< selector id to the id of the instance that carries it
-    TextIndex<Instance> instancesByBsId;    ///< by parameter 0x9e
-    TextIndex<Reference> referencesByBsId;  ///< by parameter 0x9e
+    ElementIndex<Instance> instancesById;      ///< by property 0x0f
+    ElementIndex<Reference> referencesById;    ///< by property 0x0f
+    TextIndex<String> selectorOwners;          ///< selector id to the id of the instance that carries it
+    ElementIndex<Instance> instancesByBsId;    ///< by parameter 0x9e
+    ElementIndex<Reference> referencesByBsId;  ///< by parameter 0x9e
     NodeToInstance nodeToInstance;
     InstanceToNodes instanceToNodes;
-    TextIndex<PersistentSelector> selectorsById;  ///< by full id; null remembers that there is none
+    ElementIndex<PersistentSelector> selectorsById;  ///< by full id; null remembers that there is none
     qfxml::NameGenerator nameGenerator;
     WatchedMap<k3::Layer, ElementSet<Instance>> layerMembers;   ///< waits for `ApplyPendingBindings`
     WatchedMap<k3::Viewport, Weak<Reference>> viewportTargets;  ///< waits for `ApplyPendingBindings`

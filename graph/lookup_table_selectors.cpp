@@ -11,7 +11,7 @@ constexpr const wchar_t* kPrefixDelimiter = L"_";
 
 /// The instance under the last id of a path; an unknown id stays in the index with a null. Null if it is no
 /// `InstanceImpl`.
-InstanceImpl* LastInstance(TextIndex<Instance>& instancesById, const VarArray& ids) {
+InstanceImpl* LastInstance(ElementIndex<Instance>& instancesById, const VarArray& ids) {
     return Cast<InstanceImpl>(instancesById[ids.Get(ids.GetCount() - 1).ToText()].Get());
 }
 
