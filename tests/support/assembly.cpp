@@ -93,10 +93,13 @@ graph::Selector Assembly::Path(std::initializer_list<std::string_view> names) co
 }
 
 int Assembly::Find(std::string_view name) const {
-    for (std::size_t i = 0; i < shape_.definitions.size(); ++i) {
-        if (shape_.definitions[i].name == name) return static_cast<int>(i);
+    if (numbers_.empty()) {
+        numbers_.reserve(shape_.definitions.size());
+        for (std::size_t i = 0; i < shape_.definitions.size(); ++i)
+            numbers_.try_emplace(shape_.definitions[i].name, static_cast<int>(i));
     }
-    return -1;
+    const auto found = numbers_.find(std::string(name));
+    return found == numbers_.end() ? -1 : found->second;
 }
 
 void Assembly::MakeReference(const AssemblyOptions& options, const std::string& name) {

@@ -7,6 +7,7 @@
 #include "tests/support/assembly_shape.h"
 
 #include <string_view>
+#include <unordered_map>
 
 namespace qn::k3 {
 class Node;
@@ -55,6 +56,8 @@ private:
     Counted<graph::LookupTable> table_;
     std::vector<Counted<graph::Reference>> references_;
     std::vector<std::vector<Counted<graph::Instance>>> uses_;
+    mutable std::unordered_map<std::string, int>
+        numbers_;  // of the definitions by name, made when first asked for
 };
 
 /// Describes an assembly as one would say it; `Child` adds below the definition named last in the constructor
