@@ -100,6 +100,30 @@ TEST(InstanceIdentity, CannotDieInAChildList) {
     EXPECT_EQ(parent->GetChild(0), watch.Get());
 }
 
+/// Notes its death.
+class Mortal final : public Interface {
+public:
+    Mortal(std::vector<std::string>& deaths, std::string name) : deaths_(deaths), name_(std::move(name)) {}
+    ~Mortal() override { deaths_.push_back(name_); }
+
+private:
+    std::vector<std::string>& deaths_;
+    std::string name_;
+};
+
+TEST(InstanceIdentity, LetsGoOfPropertiesThenSelectorsThenDefinition) {
+    std::vector<std::string> deaths;
+    auto reference = NewReference();
+    reference->SetTarget(Var(Make<Mortal>(deaths, "definition")));
+    auto instance = reference->CreateInstance();
+    reference.Reset();
+    Feed(*instance, 0x1002, MapOf({{Var(0), Var(Make<Mortal>(deaths, "selectors"))}}).ToMap());
+    instance->SetProperty(Prop::kName, Var(Make<Mortal>(deaths, "properties")));
+    EXPECT_TRUE(deaths.empty());
+    instance.Reset();
+    EXPECT_EQ(deaths, (std::vector<std::string>{"properties", "selectors", "definition"}));
+}
+
 TEST(InstanceCopy, TakesParametersAndMetadataAlone) {
     const auto table = NewTable();
     const auto parent = NewReferenceIn(*table), used = NewReferenceIn(*table), other = NewReference();

@@ -1,3 +1,4 @@
+#include "frame/host/object3d.h"
 #include "tests/behaviour/element_support.h"
 
 #include <gtest/gtest.h>
@@ -71,6 +72,25 @@ TEST(InstanceProperties, CreatesNoKeyByBeingAsked) {
     (void)instance->GetProperty(Prop::kOrigin, 1);
     EXPECT_FALSE(SavesProperty(*instance, Prop::kName));
     EXPECT_FALSE(SavesProperty(*instance, Prop::kOrigin));
+}
+
+TEST(InstanceProperties, KeepsNumbersThatHaveNoMeaning) {
+    const auto instance = NewInstance();
+    for (const int id : {0x24, 0x500, -1})
+        instance->SetProperty(PropEnum{id}, Var(id));
+    for (const int id : {0x24, 0x500, -1})
+        EXPECT_EQ(instance->GetProperty(PropEnum{id}, 0), Var(id));
+}
+
+TEST(InstanceProperties, InheritsWhatItsDefinitionComputes) {
+    const auto generic = Make<k3::Generic>();
+    generic->SetParamVar(0x40b, Var(1));
+    const auto reference = NewReference();
+    reference->SetProperty(Prop::kBsId, Var(L"server"));
+    reference->SetTarget(Var(generic));
+    const auto instance = reference->CreateInstance();
+    EXPECT_EQ(instance->GetProperty(Prop::kGenericContent, 1), Var(true));
+    EXPECT_TRUE(instance->GetProperty(Prop::kGenericContent, 0).IsEmpty());
 }
 
 TEST(InstanceOrigin, IsNeverInherited) {

@@ -179,6 +179,18 @@ TEST(InstanceSaving, LeavesTheParentOut) {
     EXPECT_EQ(child->GetParentReference(), other);
 }
 
+TEST(InstanceSaving, DoesNotTestItsOwnWrites) {
+    const auto instance = NewReference()->CreateInstance();
+    instance->SetProperty(Prop::kLocalId, Var(L"n1"));
+    for (const int failing : {1, 2}) {
+        const auto stream = Make<FailingStream>();
+        stream->FailObject(failing);
+        EXPECT_EQ(instance->Save(stream.Get(), MakeContext().Get()), ResultEnum::kSuccess);
+        EXPECT_EQ(stream->Log().size(), 2U) << "properties and definition";
+        EXPECT_EQ(instance->GetProperty(Prop::kLocalId, 0), Var(L"n1"));
+    }
+}
+
 TEST(InstanceReading, TakesItsThreeChunks) {
     const auto instance = NewInstance();
     const auto reference = NewReference();
