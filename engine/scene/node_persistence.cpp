@@ -4,6 +4,10 @@
 #include "engine/scene/scene_access.h"
 #include "engine/stream/stream_writer.h"
 #include "frame/host/generator.h"
+#include "frame/host/parameter_ids.h"
+#include "frame/host/params.h"
+#include "graph/instance.h"
+#include "graph/reference.h"
 
 namespace qn::k3 {
 namespace {
@@ -30,11 +34,48 @@ bool WritesGenerated(Stream* stream) {
     return writer && writer->ExpandsGenerated();
 }
 
+graph::Reference* GeneratedRootOf(const Node& node) {
+    const Generator* generator = Generator::Get(&node);
+    return generator ? Cast<graph::Reference>(generator->GetGeneratedRoot()) : nullptr;
+}
+
+/// Takes the instance of a generator's own node out of the parameters while it lives: the generator makes
+/// that instance anew at each load, so a stored one would stand beside it.
+class WithoutOwnInstance {
+public:
+    WithoutOwnInstance(const Node& node, Params* params) : params_(GeneratedRootOf(node) ? params : nullptr) {
+        if (!params_) return;
+        instance_ = params_->GetParamVar(Param::kInstance);
+        params_->DeleteParam(Param::kInstance);
+    }
+    ~WithoutOwnInstance() {
+        if (params_ && instance_.IsSet()) params_->SetParamVar(Param::kInstance, instance_);
+    }
+    WithoutOwnInstance(const WithoutOwnInstance&) = delete;
+    WithoutOwnInstance& operator=(const WithoutOwnInstance&) = delete;
+
+private:
+    Params* params_;
+    Var instance_;
+};
+
 }  // namespace
 
+ResultEnum Node::Load(Stream* stream, Context* context) {
+    const ResultEnum result = ReferenceSource::Load(stream, context);
+    const graph::Reference* root = SceneAccess::AreChildrenStored(*this) ? GeneratedRootOf(*this) : nullptr;
+    if (!root || GetParamVar(Param::kInstance).IsSet()) return result;
+    if (const auto instance = root->GetInstance(root->GetInstanceCount() - 1))
+        SetParamVar(Param::kInstance, Var(instance));
+    return result;
+}
+
 ResultEnum Node::Save(Stream* stream, Context* context) {
-    if (const ResultEnum base = ReferenceSource::Save(stream, context); base != ResultEnum::kSuccess)
-        return base;
+    {
+        const WithoutOwnInstance guard(*this, params_);
+        const ResultEnum base = ReferenceSource::Save(stream, context);
+        if (base != ResultEnum::kSuccess) return base;
+    }
     if (const ResultEnum fields = SaveFields(stream, context); fields != ResultEnum::kSuccess) return fields;
     return SaveChildren(stream, context);
 }

@@ -106,6 +106,7 @@ public:
     void SetParams(Params* params) override;
 
     ResultEnum Save(Stream* stream, Context* context) override;
+    ResultEnum Load(Stream* stream, Context* context) override;
     ResultEnum HandleChunk(int id, Stream* stream, Context* context) override;
     const char* GetInterfaceName() const override { return "k3_node"; }
     bool IsTypeOf(const char* name) const override;
