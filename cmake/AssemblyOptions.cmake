@@ -35,6 +35,11 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     add_compile_options(-Wno-overloaded-virtual)
 endif()
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # These guess wrong on joined std::string values in this compiler's optimised builds.
+    add_compile_options(-Wno-array-bounds -Wno-restrict -Wno-stringop-overflow)
+endif()
+
 if(ASSEMBLY_SANITIZE)
     add_compile_options(-fsanitize=${ASSEMBLY_SANITIZE} -fno-omit-frame-pointer
                         -fno-sanitize-recover=all)
