@@ -49,6 +49,7 @@ int main(int argc, char** argv) {
     assembly::tool::AddStats(app);
     assembly::tool::AddConvert(app);
     assembly::tool::AddModule(app);
+    assembly::tool::AddLimits(app);
     try {
         app.parse(argc, argv);
         return ToInt(ExitCode::kFine);

@@ -9,5 +9,6 @@ void AddShow(CLI::App& app);
 void AddStats(CLI::App& app);
 void AddConvert(CLI::App& app);
 void AddModule(CLI::App& app);
+void AddLimits(CLI::App& app);
 
 }  // namespace assembly::tool

@@ -20,13 +20,13 @@ bool Contains(const std::string& text, const std::string& part) {
 TEST(Usage, HelpNamesEveryVerbAndAnswersZero) {
     const ToolRun run = RunTool({"--help"});
     EXPECT_EQ(run.exitCode, 0);
-    for (const char* verb : {"show", "stats", "convert", "module"})
+    for (const char* verb : {"show", "stats", "convert", "module", "limits"})
         EXPECT_TRUE(Contains(run.out, verb)) << verb;
     EXPECT_TRUE(Contains(run.out, "Exit codes"));
 }
 
 TEST(Usage, HelpOfAVerbShowsExamplesFirst) {
-    for (const char* verb : {"show", "stats", "convert", "module"}) {
+    for (const char* verb : {"show", "stats", "convert", "module", "limits"}) {
         const ToolRun run = RunTool({verb, "--help"});
         EXPECT_EQ(run.exitCode, 0);
         EXPECT_EQ(run.out.rfind("Examples:", 0), 0u) << run.out;
@@ -157,6 +157,12 @@ TEST(Module, TellsVersionsIdentifierAndClassesInOrder) {
     ASSERT_FALSE(module["classes"].empty());
     EXPECT_EQ(module["classes"][0]["key"], "qn.graph.instance");
     EXPECT_EQ(module["classes"][0]["value"], 0x10000000);
+}
+
+TEST(Limits, AreNamedWithTheirValues) {
+    const json limits = ToolJson({"limits", "--format", "json"});
+    EXPECT_EQ(limits["occurrences"], 20'000'000);
+    EXPECT_EQ(RunTool({"limits"}).exitCode, 0);
 }
 
 TEST(Samples, AreWhatTheirProgramWrites) {
