@@ -3,6 +3,9 @@
 #include "engine/stream/stored_generator.h"
 #include "frame/host/reference_source.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include <fmt/format.h>
 
 namespace qn {
@@ -149,6 +152,7 @@ int StreamReader::ReadData(void* data, int itemSize, int count) {
     if (failed_ || !inBody_ || !data || itemSize <= 0 || count <= 0) return 0;
     const auto size = static_cast<std::size_t>(itemSize);
     const std::size_t items = std::min(static_cast<std::size_t>(count), cursor_.Remaining() / size);
+    if (items == 0) return 0;  // an empty body has no bytes to point at
     const auto bytes = cursor_.Take(items * size);
     std::memcpy(data, bytes.data(), bytes.size());
     return static_cast<int>(items);
