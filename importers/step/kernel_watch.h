@@ -11,7 +11,7 @@ namespace qn::step {
 /// shape does.
 class KernelWatch final : public Message_ProgressIndicator {
 public:
-    static constexpr std::chrono::seconds kLongestWork{300};  ///< for one definition
+    static constexpr std::chrono::seconds kLongestWork{120};  ///< for one definition
 
     /// `wantsMore` is asked some times in a second; false stops the work.
     explicit KernelWatch(std::function<bool()> wantsMore, std::chrono::milliseconds longest = kLongestWork)
