@@ -5,11 +5,11 @@
 
 namespace qn::step {
 
-/// What went wrong inside the kernel.
+/// What went wrong inside the kernel. After a fault the work was torn off: what it held is leaked, and the
+/// kernel's objects are not to be trusted.
 struct GuardResult {
     std::string error;  ///< empty if nothing did
-    bool isFault =
-        false;  ///< the work was torn off: what it held is leaked, and the kernel is not to be trusted
+    bool isFault = false;
 };
 
 /// Runs `work`, which calls the modelling kernel. Catches exceptions of the kernel and of the

@@ -161,7 +161,7 @@ EntityKind ExchangeFile::Classify(Lexer& lexer, EntityId id) {
     if (lexer.Peek() == '(') return ClassifyComplex(lexer, id);
     const std::string_view keyword = lexer.Keyword();
     if (keyword.empty()) lexer.Fail("a type name expected after #" + std::to_string(id) + "=");
-    return File(keyword, id);
+    return FileUnder(keyword, id);
 }
 
 EntityKind ExchangeFile::ClassifyComplex(Lexer& lexer, EntityId id) {
@@ -171,7 +171,7 @@ EntityKind ExchangeFile::ClassifyComplex(Lexer& lexer, EntityId id) {
         lexer.SkipBlanks();
         const std::string_view keyword = lexer.Keyword();
         if (keyword.empty()) return kind;
-        const EntityKind found = File(keyword, id);
+        const EntityKind found = FileUnder(keyword, id);
         if (found != EntityKind::kOther) kind = found;
         lexer.SkipBlanks();
         if (lexer.Peek() != '(' || !lexer.SkipParentheses())
@@ -179,7 +179,7 @@ EntityKind ExchangeFile::ClassifyComplex(Lexer& lexer, EntityId id) {
     }
 }
 
-EntityKind ExchangeFile::File(std::string_view keyword, EntityId id) {
+EntityKind ExchangeFile::FileUnder(std::string_view keyword, EntityId id) {
     const EntityKind kind = KindOfKeyword(keyword);
     auto& list = byKind_[Index(kind)];
     if (kind != EntityKind::kOther && (list.empty() || list.back() != id)) list.push_back(id);

@@ -72,7 +72,7 @@ private:
     void AddEntity(Lexer& lexer);
     EntityKind Classify(Lexer& lexer, EntityId id);
     EntityKind ClassifyComplex(Lexer& lexer, EntityId id);
-    EntityKind File(std::string_view keyword, EntityId id);
+    EntityKind FileUnder(std::string_view keyword, EntityId id);
     void SortEntries();
     const Entry* Find(EntityId id) const;
     std::string_view TextOf(const Entry& entry) const;
