@@ -7,30 +7,25 @@
 #include "frame/host/params.h"
 #include "frame/host/stream.h"
 
-#include <vector>
-
 namespace qn {
 namespace {
 
-/// The rows that a reader will find again: a value whose object is not stored would be an empty one, and a
-/// table has none of those.
-std::vector<int> StoredRows(const Params& params, Stream* stream) {
-    std::vector<int> rows;
-    for (int i = 0; i < params.GetCount(); ++i) {
-        const Var& value = params.ValueAt(i);
-        if (!value.HoldsInterface() || IsStored(stream, value.ToInterface(), value.IsWeak()))
-            rows.push_back(i);
-    }
-    return rows;
+/// Whether a reader will find the row: a value whose object is not stored would be an empty one, and a table
+/// has none of those.
+bool IsRowStored(const Var& value, Stream* stream) {
+    return !value.HoldsInterface() || IsStored(stream, value.ToInterface(), value.IsWeak());
 }
 
 bool SaveParams(const Params& params, Stream* stream, Context* context) {
-    const std::vector<int> rows = StoredRows(params, stream);
-    if (rows.empty()) return true;
+    int stored = 0;
+    for (int i = 0; i < params.GetCount(); ++i)
+        stored += IsRowStored(params.ValueAt(i), stream) ? 1 : 0;
+    if (stored == 0) return true;
     if (!stream->BeginChunk(chunk::kParams)) return false;
-    bool written = stream->WriteInt(static_cast<int>(rows.size()));
-    for (const int row : rows)
-        written = written && stream->WriteInt(params.IdAt(row)) && params.ValueAt(row).Save(stream, context);
+    bool written = stream->WriteInt(stored);
+    for (int i = 0; written && i < params.GetCount(); ++i)
+        if (IsRowStored(params.ValueAt(i), stream))
+            written = stream->WriteInt(params.IdAt(i)) && params.ValueAt(i).Save(stream, context);
     stream->EndChunk();
     return written;
 }

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 namespace qn {
 
@@ -153,19 +152,21 @@ ResultEnum VarMap::CopyFrom(const Interface* source, unsigned flags) {
     return CloneFrom(*map, flags);
 }
 
+// A row whose key is an object that is not stored is left out: it could not be told from others.
 ResultEnum VarMap::Save(Stream* stream, Context* context) {
     const ResultEnum base = ReferenceSource::Save(stream, context);
     if (base != ResultEnum::kSuccess) return base;
-    std::vector<int> stored;  // a row whose key is an object that is not stored could not be told from others
-    for (int i = 0; i < GetCount(); ++i) {
-        const Var& key = KeyAt(i);
-        if (!key.HoldsInterface() || IsStored(stream, key.ToInterface(), key.IsWeak())) stored.push_back(i);
-    }
-    if (stored.empty()) return base;
+    const auto isStored = [stream](const Row& row) {
+        return !row.key.HoldsInterface() || IsStored(stream, row.key.ToInterface(), row.key.IsWeak());
+    };
+    if (holes_) Compact();
+    const auto stored = std::count_if(rows_.begin(), rows_.end(), isStored);
+    if (stored == 0) return base;
     if (!stream->BeginChunk(chunk::kMapRows)) return ResultEnum::kWriteFailed;
-    bool written = stream->WriteInt(static_cast<int>(stored.size()));
-    for (const int row : stored)
-        written = written && KeyAt(row).Save(stream, context) && ValueAt(row).Save(stream, context);
+    bool written = stream->WriteInt(static_cast<int>(stored));
+    for (std::size_t i = 0; written && i < rows_.size(); ++i)
+        if (isStored(rows_[i]))
+            written = rows_[i].key.Save(stream, context) && rows_[i].value.Save(stream, context);
     stream->EndChunk();
     return written ? ResultEnum::kSuccess : ResultEnum::kWriteFailed;
 }

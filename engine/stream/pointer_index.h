@@ -34,11 +34,16 @@ private:
     };
     static constexpr std::size_t kFirstSize = 64;  // a power of two, like all sizes
 
-    /// The slot of the address, or the empty one where it belongs.
+    /// The slot of the address, or the empty one where it belongs. Pages are spread over the table, and
+    /// within a page neighbours stay neighbours, for objects are mostly met in the order in which they were
+    /// made.
     std::size_t PlaceOf(const void* address) const {
+        constexpr int kPageBits = 12, kGrainBits = 5;  // of addresses; objects are larger than a grain
         constexpr std::uint64_t kSpread = 0x9e3779b97f4a7c15;
-        const int shift = 64 - std::countr_zero(slots_.size());
-        std::size_t place = reinterpret_cast<std::uintptr_t>(address) * kSpread >> shift;
+        const auto word = reinterpret_cast<std::uintptr_t>(address);
+        const std::size_t page = (word >> kPageBits) * kSpread >> (64 - std::countr_zero(slots_.size()));
+        const std::size_t grain = (word >> kGrainBits) & ((1u << (kPageBits - kGrainBits)) - 1);
+        std::size_t place = (page + grain) & (slots_.size() - 1);
         while (slots_[place].address && slots_[place].address != address)
             place = (place + 1) & (slots_.size() - 1);
         return place;
