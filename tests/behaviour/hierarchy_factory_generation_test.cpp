@@ -174,6 +174,38 @@ TEST(GeneratedNodes, OfALinkedDefinitionHangOnTheRootToo) {
     EXPECT_EQ(ShownBy(*s.root), car.RootInstance());
 }
 
+TEST(GeneratedNodes, ReachTenThousandLevels) {
+    constexpr int kLevels = 10000;
+    const Assembly chain(DeepShape(kLevels));
+    const Stage s;
+    EXPECT_FALSE(s.factory->HasCircularReference(chain.Root(), nullptr));
+    s.factory->GenerateNodes(PathOf({chain.RootInstance()}), s.root);
+    int levels = 0;
+    k3::Node* last = nullptr;
+    for (k3::Node* node = s.root; node; node = node->GetFirstChild(), ++levels)
+        last = node;
+    EXPECT_EQ(levels, kLevels);
+    EXPECT_EQ(s.factory->SelectorFromInstance(ShownBy(*last)).GetPathElementCount(), kLevels);
+
+    const auto table = NewTable();
+    const auto again = s.factory->CreateInstanceInTable(s.root, table.Get());
+    EXPECT_EQ(again.Get(), chain.RootInstance());
+    EXPECT_TRUE(table->GetInstanceOfNode(last));
+    s.factory->ApplyNodeToInstance(s.root);
+    EXPECT_EQ(NameOf(*ShownBy(*last)), last->GetName());
+}
+
+TEST(GeneratedNodes, StandInOneRowOfManyThousands) {
+    constexpr int kParts = 20000;
+    const Assembly row(FlatShape(kParts + 1));
+    const Stage s;
+    s.factory->GenerateNodes(PathOf({row.RootInstance()}), s.root);
+    EXPECT_EQ(s.root->GetChildCount(), kParts);
+    const auto table = NewTable();
+    s.factory->CreateInstanceInTable(s.root, table.Get());
+    EXPECT_EQ(table->GetInstanceOfNode(s.root->GetLastChild()).Get(), ShownBy(*s.root->GetLastChild()));
+}
+
 TEST(GeneratedNodes, AgreeWithTheNodesThatTheHierarchyWasMadeFrom) {
     const Stage s;
     k3::Node* original = BuildNodes(CarBuilder().Shape(), *s.scene);
