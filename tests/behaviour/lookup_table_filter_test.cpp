@@ -1,3 +1,4 @@
+#include "graph/node_traverser.h"
 #include "tests/behaviour/element_support.h"
 #include "tests/behaviour/table_scene.h"
 
@@ -193,6 +194,18 @@ TEST(LookupTableFilter, DoesNotJudgeByTheServerIdOfTheReference) {
     const auto reference = NewReference();
     reference->SetProperty(Prop::kBsId, Var(L"b"));
     EXPECT_FALSE(f.table->IsElementAllowed(reference->CreateInstance().Get()));
+}
+
+TEST(LookupTableFilter, JudgesATraverserByTheServerIdOfItsNode) {
+    const Filtered f;
+    f.Read({}, {L"b"});
+    k3::Node* node = f.Node(L"node");
+    auto& fields = f.Fields();
+    const auto at =
+        Make<NodeTraverser>(f.table.Get(), node, &fields.nodeToInstance, &fields.instanceToNodes, false);
+    EXPECT_FALSE(f.table->IsElementAllowed(at.Get()));
+    node->SetParamVar(Param::kBsId, Var(L"a|b"));
+    EXPECT_TRUE(f.table->IsElementAllowed(at.Get()));
 }
 
 }  // namespace

@@ -220,5 +220,18 @@ TEST(NodeTraverserApplying, TakesTheInstanceOfTheNodeBeforeThatOfTheMap) {
     EXPECT_TRUE(a.at->GetParamVar(Param::kLinkedNode).IsEmpty());
 }
 
+// Answers that are remembered.
+
+TEST(NodeTraverserApplying, LooksForAListedNodeOnceForEachSelector) {
+    const Applied a;
+    const auto selector = a.ToGoal(), lost = NewStoredSelector();
+    a.instance->SetProperty(Prop::kLinkList, ArrayOf({Link(selector, Var(1)), Link(lost, Var(2))}));
+    std::map<PersistentSelector*, k3::Node*> answers{{lost.Get(), a.top}}, reserved;
+    a.On(a.at)->ApplyElementChanges(a.at, String(), answers, reserved);
+    EXPECT_EQ(answers[selector.Get()], a.goal);
+    EXPECT_EQ(a.at->GetParamVar(Param::kLinkList).Lookup(2)->ValueAt(0).ToInterface(), a.top);
+    EXPECT_TRUE(reserved.empty());
+}
+
 }  // namespace
 }  // namespace qn::test

@@ -195,5 +195,18 @@ TEST(NodeTraverserDescription, GivesANewReferenceTheObjectOfTheNode) {
     EXPECT_EQ(Cast<k3::Object3D>(d.InstanceOf(d.node)->GetReference()->GetTarget()), d.object.Get());
 }
 
+TEST(NodeTraverserDescription, IsNoneWhereTheServerIdOfEntryZeroNeedsATable) {
+    Described d;
+    d.From(Var(d.object));
+    d.inner.At(4) = Var(L"Part");
+    d.outer.At(4) = Var(L"Use");
+    d.Inner().SetParamVar(Param::kBsId, Var(L"s1:use"));
+    const auto made = d.FreeInstanceOf(d.node);
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made->GetProperty(Prop::kName, 0), Var(L"node")) << "made as for a node without one";
+    EXPECT_TRUE(made->GetProperty(Prop::kBsId, 0).IsEmpty());
+    EXPECT_EQ(Cast<Instance>(d.node->GetParamVar(Param::kInstance)), made.Get());
+}
+
 }  // namespace
 }  // namespace qn::test

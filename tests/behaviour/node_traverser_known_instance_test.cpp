@@ -1,4 +1,5 @@
 #include "frame/host/object3d.h"
+#include "tests/behaviour/foreign_instance.h"
 #include "tests/behaviour/traverser_support.h"
 
 #include <gtest/gtest.h>
@@ -228,6 +229,12 @@ TEST(NodeTraverserKnownInstance, NeedsNoReference) {
     EXPECT_EQ(k.InstanceOf(node).Get(), bare.Get());
     EXPECT_EQ(k.table->FindInstanceById(L"n1").Get(), bare.Get());
     EXPECT_TRUE(k.Fields().references.empty());
+}
+
+TEST(NodeTraverserKnownInstance, MayBeOfAnotherImplementation) {
+    Known k;
+    const auto foreign = Make<ForeignInstance>();
+    EXPECT_EQ(k.FreeInstanceOf(k.NodeWith(foreign.Get(), k.top)).Get(), foreign.Get());
 }
 
 }  // namespace

@@ -210,5 +210,13 @@ TEST(NodeTraverserMetadata, NamesPmiNodesByTheGivenPath) {
     EXPECT_EQ(Named::PmiName(n.below), Var(L"given"));
 }
 
+TEST(NodeTraverserMetadata, NamesNoPmiNodeWithoutInstance) {
+    const Named n;
+    k3::Node* plain = n.Node(L"plain", n.top);
+    Named::MakePmi(plain);
+    n.Apply(n.top, L"given");
+    EXPECT_TRUE(Named::PmiName(plain).IsEmpty());
+}
+
 }  // namespace
 }  // namespace qn::test
