@@ -4,8 +4,12 @@
 
 namespace qn::frame {
 
-ModuleHandle GetModuleHandle() { return graph::GetModuleHandle(); }
+ModuleHandle GetModuleHandle() {
+    return graph::GetModuleHandle();
+}
 
-void SetModuleHandle(ModuleHandle handle) { graph::SetModuleHandle(handle); }
+void SetModuleHandle(ModuleHandle handle) {
+    graph::SetModuleHandle(handle);
+}
 
 }  // namespace qn::frame

@@ -7,8 +7,8 @@
 
 namespace qn::graph {
 
-/// One use of a definition inside another: held by one parent `Reference`, pointing at the `Reference` that it uses.
-/// Class key "qn.graph.instance".
+/// One use of a definition inside another: held by one parent `Reference`, pointing at the `Reference` that
+/// it uses. Class key "qn.graph.instance".
 class Instance : public ReferenceSource, public HierarchyElement {
 public:
     /// The definition, borrowed, or null.
@@ -26,8 +26,8 @@ public:
     virtual void ResolveSelectors(bool recurse, Var* cache) = 0;
     /// Rebuilds id paths from live ones. With `recurse` the instance must have a reference.
     virtual void StoreSelectors(bool recurse, Var* visited) = 0;
-    /// One selector and, unless `nested`, those that it links to, but not `exclude`. An id that names no live instance
-    /// loses the path.
+    /// One selector and, unless `nested`, those that it links to, but not `exclude`. An id that names no live
+    /// instance loses the path.
     virtual void ResolveSelector(PersistentSelectorImpl* selector, String* prefix, LookupTableImpl* table,
                                  PersistentSelectorImpl* exclude, bool nested) = 0;
     /// As `AddSelector`, never through the table.

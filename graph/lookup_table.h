@@ -7,13 +7,14 @@
 
 namespace qn::graph {
 
-/// The index of one hierarchy: elements by id and server id, nodes by instance and the reverse, new ids, selectors by id,
-/// and the id filter of a partial load. Never stored. Class key "qn.graph.lookuptable".
+/// The index of one hierarchy: elements by id and server id, nodes by instance and the reverse, new ids,
+/// selectors by id, and the id filter of a partial load. Never stored. Class key "qn.graph.lookuptable".
 class LookupTable : public ReferenceSource {
 public:
     /// Kept weakly; null clears.
     virtual void SetSceneAndContext(k3::Scene* scene, Context* context) = 0;
-    /// Empties the indexes (not the selectors, the file bindings and the filter) and fills them from the scene.
+    /// Empties the indexes (not the selectors, the file bindings and the filter) and fills them from the
+    /// scene.
     virtual void Rebuild() = 0;
     virtual Context* GetContext() const = 0;
     virtual bool IsSelectorPathValid(const Selector& selector) = 0;
@@ -29,7 +30,8 @@ public:
     virtual Counted<Reference> GetOrCreateBsReferenceWithTarget(const Var& target, const String& id,
                                                                 const String& bsId) = 0;
     virtual Counted<Reference> GetOrCreateBsReference(const String& id, const String& bsId) = 0;
-    virtual Counted<Reference> LoadExternalReference(Reference* reference, const Var& reserved, const String& id) = 0;
+    virtual Counted<Reference> LoadExternalReference(Reference* reference, const Var& reserved,
+                                                     const String& id) = 0;
     virtual Counted<Reference> LoadFileIntoScene(const String& file, const String& id, const Var& options,
                                                  const Guid& importer) = 0;
     virtual Counted<Reference> GetOrLoadFile(const String& file, const String& id, const String& bsId,
@@ -65,7 +67,9 @@ public:
         static const ClassRecord& record = InternClass("qn::graph::LookupTable");
         return record;
     }
-    void* CastTo(const ClassRecord& wanted) override { return CastThrough<LookupTable, ReferenceSource>(this, wanted); }
+    void* CastTo(const ClassRecord& wanted) override {
+        return CastThrough<LookupTable, ReferenceSource>(this, wanted);
+    }
 };
 
 }  // namespace qn::graph

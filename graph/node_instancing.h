@@ -6,12 +6,13 @@
 
 namespace qn::graph {
 
-/// The part of the hierarchy factory that file loading needs besides `HierarchyFactory`: reached by class key and cast.
+/// The part of the hierarchy factory that file loading needs besides `HierarchyFactory`: reached by class key
+/// and cast.
 class NodeInstancing {
 public:
     /// Turns a node into a reference with the given maps. Null on refusal.
-    virtual Counted<Reference> CreateReferenceFromNodeWithMaps(k3::Node* node, LookupTable* table, const String& id,
-                                                               NodeToInstance& nodeMap,
+    virtual Counted<Reference> CreateReferenceFromNodeWithMaps(k3::Node* node, LookupTable* table,
+                                                               const String& id, NodeToInstance& nodeMap,
                                                                InstanceToNodes& instanceMap) = 0;
 
     static const ClassRecord& StaticClass() {

@@ -10,8 +10,8 @@
 
 namespace qn::graph {
 
-/// A definition, part or assembly: its children, the instances that use it, what it stands for, and stored calls.
-/// Class key "qn.graph.reference".
+/// A definition, part or assembly: its children, the instances that use it, what it stands for, and stored
+/// calls. Class key "qn.graph.reference".
 class Reference : public ReferenceSource, public HierarchyElement {
 public:
     class PostProcessingInstruction;
@@ -20,7 +20,8 @@ public:
     virtual Counted<Instance> CreateInstance() = 0;
     /// The instance that already has the local id, unchanged; else a new one. An empty id is generated.
     virtual Counted<Instance> CreateInstanceWithId(const String& id) = 0;
-    /// The instance that already has the server id; else a new one. Null without table unless `bsId` is empty.
+    /// The instance that already has the server id; else a new one. Null without table unless `bsId` is
+    /// empty.
     virtual Counted<Instance> CreateInstanceWithBsId(const String& id, const String& bsId) = 0;
     virtual int GetChildCount() const = 0;
     /// Null past the end.
@@ -62,10 +63,11 @@ public:
     virtual void RunInstructions(Extension* target, Context* context) = 0;
     virtual void RunAllInstructions(Extension* target, Context* context) = 0;
     virtual Var CreateResolverCache() = 0;
-    /// Enters this and the graph below it in a table, with new local ids, and merges definitions of one server id.
-    /// The definition that stands for this one from now on, borrowed; null for a null table.
+    /// Enters this and the graph below it in a table, with new local ids, and merges definitions of one
+    /// server id. The definition that stands for this one from now on, borrowed; null for a null table.
     virtual Reference* RegisterInTable(LookupTable* table) = 0;
-    virtual void RunInstructionsRecursive(Extension* target, Context* context, std::set<Reference*>& visited) = 0;
+    virtual void RunInstructionsRecursive(Extension* target, Context* context,
+                                          std::set<Reference*>& visited) = 0;
     virtual void SetInstanceReference(Instance* instance) = 0;
     virtual void ClearInstances() = 0;
     virtual void AddInstances(const std::vector<Instance*>& instances) = 0;

@@ -17,7 +17,9 @@ public:
         static const ClassRecord& record = InternClass("qn::graph::ResolverCache");
         return record;
     }
-    void* CastTo(const ClassRecord& wanted) override { return CastThrough<ResolverCache, Extension>(this, wanted); }
+    void* CastTo(const ClassRecord& wanted) override {
+        return CastThrough<ResolverCache, Extension>(this, wanted);
+    }
 };
 
 }  // namespace qn::graph

@@ -12,8 +12,8 @@ class Scene;
 
 namespace graph {
 
-/// Decides whether the tie between a scene tree and its hierarchy is intact, and repairs what it can. All results are
-/// true when nothing was wrong; the log may be null. Class key "qn.graph.hierarchychecker".
+/// Decides whether the tie between a scene tree and its hierarchy is intact, and repairs what it can. All
+/// results are true when nothing was wrong; the log may be null. Class key "qn.graph.hierarchychecker".
 class HierarchyChecker : public Extension {
 public:
     virtual bool ValidateHierarchy(k3::Scene* scene, Context* log) = 0;
@@ -27,7 +27,9 @@ public:
         static const ClassRecord& record = InternClass("qn::graph::HierarchyChecker");
         return record;
     }
-    void* CastTo(const ClassRecord& wanted) override { return CastThrough<HierarchyChecker, Extension>(this, wanted); }
+    void* CastTo(const ClassRecord& wanted) override {
+        return CastThrough<HierarchyChecker, Extension>(this, wanted);
+    }
 };
 
 }  // namespace graph

@@ -15,7 +15,8 @@ public:
     virtual ~Api() = default;
     /// A new object of a registered class (keys ignore case), or null.
     virtual Counted<Interface> Create(const char* key) = 0;
-    virtual bool RegisterExtension(ModuleHandle handle, const char* key, unsigned value, const String& displayName) = 0;
+    virtual bool RegisterExtension(ModuleHandle handle, const char* key, unsigned value,
+                                   const String& displayName) = 0;
     /// The session's map, borrowed; may be null.
     virtual VarMap* GetPcoreSessionUserData() = 0;
     virtual bool GetSpecialFolder(int kind, wchar_t* buffer, int size) = 0;

@@ -11,7 +11,8 @@ struct ClassRecord {
 /// The one record of `name`. The engine owns all records.
 const ClassRecord& InternClass(const char* name);
 
-/// What a class's `CastTo` does: `self` if `wanted` is its own record, else the answer of the first base that knows it.
+/// What a class's `CastTo` does: `self` if `wanted` is its own record, else the answer of the first base that
+/// knows it.
 template <class Self, class... Bases>
 void* CastThrough(Self* self, const ClassRecord& wanted) {
     if (&wanted == &Self::StaticClass()) return self;

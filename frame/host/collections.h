@@ -8,8 +8,8 @@
 
 namespace qn {
 
-/// The map behind a `Var`: insertion order is kept, keys are compared by ==, narrow and wide texts are one key.
-/// KeyAt and ValueAt take constant time; an index stands beside the rows above a small size.
+/// The map behind a `Var`: insertion order is kept, keys are compared by ==, narrow and wide texts are one
+/// key. KeyAt and ValueAt take constant time; an index stands beside the rows above a small size.
 class VarMap final : public ReferenceSource {
 public:
     static Counted<VarMap> Create();
@@ -58,7 +58,8 @@ private:
     void Compact() const;
     void CopyRowsFrom(const VarMap& source);
 
-    // Removing from the middle of a large map leaves a hole; the next call of another kind closes all of them at once.
+    // Removing from the middle of a large map leaves a hole; the next call of another kind closes all of them
+    // at once.
     mutable std::vector<Row> rows_;
     mutable int holes_ = 0;
     mutable std::unique_ptr<Index> index_;

@@ -21,11 +21,11 @@ public:
     Counted(const Counted& other) : Counted(other.object_) {}
     Counted(Counted&& other) noexcept : object_(other.Detach()) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Counted(const Counted<U>& other) : Counted(static_cast<T*>(other.Get())) {}
+    requires std::is_convertible_v<U*, T*> Counted(const Counted<U>& other)
+        : Counted(static_cast<T*>(other.Get())) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    Counted(Counted<U>&& other) noexcept : object_(other.Detach()) {}
+    requires std::is_convertible_v<U*, T*> Counted(Counted<U>&& other)
+    noexcept : object_(other.Detach()) {}
     ~Counted() { Reset(); }
 
     Counted& operator=(Counted other) noexcept {
@@ -49,7 +49,9 @@ public:
     T* operator->() const noexcept { return object_; }
     T& operator*() const noexcept { return *object_; }
     explicit operator bool() const noexcept { return object_ != nullptr; }
-    friend bool operator==(const Counted& left, const Counted& right) { return left.object_ == right.object_; }
+    friend bool operator==(const Counted& left, const Counted& right) {
+        return left.object_ == right.object_;
+    }
     friend bool operator==(const Counted& left, const T* right) { return left.object_ == right; }
 
 private:
@@ -87,9 +89,7 @@ public:
 
     void Reset() { *this = Weak(); }
     /// The object, borrowed, or null.
-    T* Get() const noexcept {
-        return cell_ && cell_->object ? static_cast<T*>(cell_->object) : nullptr;
-    }
+    T* Get() const noexcept { return cell_ && cell_->object ? static_cast<T*>(cell_->object) : nullptr; }
     /// The object with a count added; null if it is gone or on its way out.
     Counted<T> Lock() const {
         T* object = Get();
@@ -105,5 +105,7 @@ private:
 
 template <class T>
 struct std::hash<qn::Counted<T>> {
-    std::size_t operator()(const qn::Counted<T>& object) const noexcept { return std::hash<T*>()(object.Get()); }
+    std::size_t operator()(const qn::Counted<T>& object) const noexcept {
+        return std::hash<T*>()(object.Get());
+    }
 };

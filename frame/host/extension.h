@@ -18,9 +18,9 @@ class Element;
 using ParamWord = std::uintptr_t;
 
 enum k3_VALUETYPE : int {
-    kValueInteger = 2,     ///< the second argument of GetParam is the default
-    kValueObject = 0x0f,   ///< stored counted, given borrowed
-    kValueInt64 = 0x10,    ///< the second argument of GetParam points at the receiving 64-bit integer
+    kValueInteger = 2,    ///< the second argument of GetParam is the default
+    kValueObject = 0x0f,  ///< stored counted, given borrowed
+    kValueInt64 = 0x10,   ///< the second argument of GetParam points at the receiving 64-bit integer
 };
 
 /// An object with a description, calls by number, parameters and metadata.
@@ -55,14 +55,16 @@ public:
 
     /// One flat metadata entry; "/" in the key means nothing.
     void SetMetaValue(const Var& key, const Var& value);
-    void SetParamObject(int id, Interface* object) { SetParam(id, reinterpret_cast<ParamWord>(object), kValueObject); }
+    void SetParamObject(int id, Interface* object) {
+        SetParam(id, reinterpret_cast<ParamWord>(object), kValueObject);
+    }
     Interface* GetParamObject(int id) const {
         return reinterpret_cast<Interface*>(GetParam(id, 0, kValueObject));
     }
 
 protected:
-    Params* params_ = nullptr;             ///< counted, made on demand
-    mutable VarMap* metadata_ = nullptr;   ///< counted, made on demand
+    Params* params_ = nullptr;            ///< counted, made on demand
+    mutable VarMap* metadata_ = nullptr;  ///< counted, made on demand
 };
 
 }  // namespace qn

@@ -4,8 +4,8 @@
 
 namespace qn::k3 {
 
-/// Makes content below the object it is attached to. An object carries at most one generator for each class key; it is
-/// stored with the object.
+/// Makes content below the object it is attached to. An object carries at most one generator for each class
+/// key; it is stored with the object.
 class Generator : public ReferenceSource {
 public:
     /// The chunk under which the engine writes what `GetGeneratedRoot` gives.

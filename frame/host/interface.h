@@ -33,7 +33,8 @@ protected:
 /// The empty root of all host classes.
 class Unknown {};
 
-/// A counted object. It is born with one count, which belongs to whoever made it; the last `Release` deletes it.
+/// A counted object. It is born with one count, which belongs to whoever made it; the last `Release` deletes
+/// it.
 class Interface : public Unknown, public WeakPtrBase {
 public:
     Interface() = default;
@@ -47,7 +48,8 @@ public:
     /// This object with a count added, if `IsTypeOf(name)`; else null and kNothing.
     virtual ResultEnum QueryInterface(const char* name, Unknown*& out);
     virtual ~Interface();
-    /// Clears the weak cell and destroys the object. Chains of owners of any length are taken apart without deep recursion.
+    /// Clears the weak cell and destroys the object. Chains of owners of any length are taken apart without
+    /// deep recursion.
     virtual void DeleteThis() noexcept;
     virtual int GetRefCount() const noexcept;
     /// The class key, constant text.

@@ -7,8 +7,8 @@
 
 namespace qn::k3 {
 
-/// A named grouping of nodes. Members are not counted; a node that left the scene stays listed, a dead one reads null.
-/// Class key "k3_layer".
+/// A named grouping of nodes. Members are not counted; a node that left the scene stays listed, a dead one
+/// reads null. Class key "k3_layer".
 class Layer final : public Entity {
 public:
     explicit Layer(Scene* scene = nullptr);
@@ -41,8 +41,8 @@ private:
 
 enum class ViewKind : int { kOther = 0, kModel = 1, kStep = 2, kDetail = 3 };
 
-/// A view on the scene. Parameter 0x8112 links weakly to what it belongs to, parameter 0x50 is its flags word.
-/// Class key "k3_viewport".
+/// A view on the scene. Parameter 0x8112 links weakly to what it belongs to, parameter 0x50 is its flags
+/// word. Class key "k3_viewport".
 class Viewport final : public Entity {
 public:
     explicit Viewport(Scene* scene = nullptr);

@@ -21,7 +21,8 @@ public:
 
     constexpr void IdentityMatrix() {
         for (int r = 0; r < 4; ++r)
-            for (int c = 0; c < 4; ++c) m[r][c] = r == c ? T(1) : T(0);
+            for (int c = 0; c < 4; ++c)
+                m[r][c] = r == c ? T(1) : T(0);
     }
     static constexpr Matrix4 Translation(T x, T y, T z) {
         Matrix4 result;
@@ -45,7 +46,8 @@ public:
         for (int r = 0; r < 4; ++r)
             for (int c = 0; c < 4; ++c) {
                 T sum = 0;
-                for (int k = 0; k < 4; ++k) sum += first.m[r][k] * second.m[k][c];
+                for (int k = 0; k < 4; ++k)
+                    sum += first.m[r][k] * second.m[k][c];
                 product.m[r][c] = sum;
             }
         *this = product;

@@ -5,7 +5,8 @@
 namespace mem {
 
 /// Storage for one object, aligned for any type; null when memory is exhausted or `FailNext` asked for it.
-/// Fresh storage has rising addresses, so that pointer order is creation order; freed slots are reused by size.
+/// Fresh storage has rising addresses, so that pointer order is creation order; freed slots are reused by
+/// size.
 void* allocate(std::size_t size) noexcept;
 /// Gives back what `allocate` handed out; null does nothing.
 void free(void* storage) noexcept;

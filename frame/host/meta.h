@@ -14,7 +14,8 @@ Var GetMeta(const Extension* object, const Var& key, int reserved);
 void SetMeta(Extension* object, const Var& key, const Var& value);
 
 namespace meta {
-/// Own metadata of the node's instance or reference, or of the element passed, borrowed; made if missing and `create`.
+/// Own metadata of the node's instance or reference, or of the element passed, borrowed; made if missing and
+/// `create`.
 VarMap* AccessInstanceMetadata(Extension* object, bool create);
 VarMap* AccessReferenceMetadata(Extension* object, bool create);
 /// The key's value in the merge of reference, instance and node metadata (later wins).

@@ -7,7 +7,8 @@
 
 namespace qn::qfxml {
 
-/// Hands out ids: prefix, delimiter, family, running number. The number counts from 1 for each pair of prefix and family.
+/// Hands out ids: prefix, delimiter, family, running number. The number counts from 1 for each pair of prefix
+/// and family.
 class NameGenerator {
 public:
     void SetCurrentDelimiter(const std::wstring& text) { delimiter_ = text; }

@@ -24,8 +24,9 @@ inline constexpr int kAll = 7;
 
 enum class MetadataFormatEnum : int { kPlain = 0 };
 
-/// An element of the scene tree. A parent counts its children; a child knows its parent by a plain pointer that removal
-/// resets. Children stand in a chain and can be reached by index in constant time once the index was built.
+/// An element of the scene tree. A parent counts its children; a child knows its parent by a plain pointer
+/// that removal resets. Children stand in a chain and can be reached by index in constant time once the index
+/// was built.
 class Node : public ReferenceSource {
 public:
     Node();
@@ -49,8 +50,8 @@ public:
     void Remove(int reserved);
     /// Takes a child (with its subtree) out; with `detach` out of layers and selection, too.
     void _RemoveChild(Node* child, bool detach);
-    /// Calls `function(node, argument)` on this node and everything below it, parents first, siblings in order, until it
-    /// answers false. The flags are carried, not interpreted.
+    /// Calls `function(node, argument)` on this node and everything below it, parents first, siblings in
+    /// order, until it answers false. The flags are carried, not interpreted.
     using VisitFunction = bool (*)(Node* node, ParamWord argument);
     void Visit(unsigned flags, VisitFunction function, ParamWord argument);
     /// A copy with its subtree; content and instances are shared, the rest is private. Null on failure.
@@ -159,8 +160,8 @@ private:
 
 static_assert(sizeof(Node) < 200);
 
-/// Put a node into, or take it out of, the host's global list of nodes: nodes of a structure that is not shown stand
-/// outside. Made for `Node::Visit`; the argument means nothing, the answer is true.
+/// Put a node into, or take it out of, the host's global list of nodes: nodes of a structure that is not
+/// shown stand outside. Made for `Node::Visit`; the argument means nothing, the answer is true.
 bool __AddToGlobalList(Node* node, ParamWord argument);
 bool __RemoveFromGlobalList(Node* node, ParamWord argument);
 

@@ -106,8 +106,8 @@ public:
     const std::vector<std::uint32_t>& GetIndices() const { return indices_; }
     const std::vector<MeshGroup>& GetGroups() const { return groups_; }
     /// Takes the geometry; false, and unchanged, if sizes or indices do not fit together.
-    bool SetGeometry(std::vector<float> positions, std::vector<float> normals, std::vector<std::uint32_t> indices,
-                     std::vector<MeshGroup> groups);
+    bool SetGeometry(std::vector<float> positions, std::vector<float> normals,
+                     std::vector<std::uint32_t> indices, std::vector<MeshGroup> groups);
     int GetSlotCount() const { return static_cast<int>(slots_.size()); }
     MaterialSlot* GetSlot(int index) const;
     /// Adds a slot with the material (may be null); gives its number.
@@ -148,8 +148,8 @@ private:
     Counted<Object3D> object_;
 };
 
-/// Writes an object that may have a handle partner: alone one chunk under the first id; with a partner the partner under
-/// the first id and the object under the second. False if a write failed.
+/// Writes an object that may have a handle partner: alone one chunk under the first id; with a partner the
+/// partner under the first id and the object under the second. False if a write failed.
 bool SaveObjectHandleSafeForm(Context* context, Stream* stream, Object3D* object, unsigned short firstId,
                               unsigned short secondId);
 

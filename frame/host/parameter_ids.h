@@ -4,9 +4,9 @@ namespace qn {
 
 /// Numbers of the parameters that host and module agree on.
 namespace Param {
-inline constexpr int kCommandKey = -0x10;         ///< stored call: class key
-inline constexpr int kMethodId = -0x0f;           ///< stored call: method
-inline constexpr int kBlockA = 7;                 ///< Node, tag 0x0a, read
+inline constexpr int kCommandKey = -0x10;  ///< stored call: class key
+inline constexpr int kMethodId = -0x0f;    ///< stored call: method
+inline constexpr int kBlockA = 7;          ///< Node, tag 0x0a, read
 inline constexpr int kBlockB = 8;
 inline constexpr int kNodeLink9 = 9;              ///< Node, read only
 inline constexpr int kFlags = 0x50;               ///< flags word of nodes, viewports, companions
@@ -29,15 +29,15 @@ inline constexpr int kAssetId = 0xa8;             ///< Node
 inline constexpr int kRelativeInstanceId = 0xa9;  ///< Node
 inline constexpr int kAttachedIdentifier = 0xae;
 inline constexpr int kPrimaryIdentifier = 0xaf;
-inline constexpr int kTolvaExt = 0xb0;            ///< Scene
+inline constexpr int kTolvaExt = 0xb0;  ///< Scene
 inline constexpr int kIdentifierKey = 0xb1;
-inline constexpr int kGenericFlag = 0x40b;        ///< Generic, integer
-inline constexpr int kWrittenBlockA = 0x6302;     ///< Node: where 7 and 8 are written
+inline constexpr int kGenericFlag = 0x40b;     ///< Generic, integer
+inline constexpr int kWrittenBlockA = 0x6302;  ///< Node: where 7 and 8 are written
 inline constexpr int kWrittenBlockB = 0x6303;
-inline constexpr int kLinkedNode = 0x6306;        ///< Node: weak link to a Node
+inline constexpr int kLinkedNode = 0x6306;  ///< Node: weak link to a Node
 inline constexpr int kViewportOwnBom = 0x810e;
 inline constexpr int kViewportRows = 0x810f;
-inline constexpr int kViewportTarget = 0x8112;    ///< weak link to what the view belongs to
+inline constexpr int kViewportTarget = 0x8112;  ///< weak link to what the view belongs to
 }  // namespace Param
 
 /// Masks of the flags word of nodes.

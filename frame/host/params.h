@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frame/host/extension.h"
 #include "frame/host/counted.h"
+#include "frame/host/extension.h"
 
 #include <vector>
 

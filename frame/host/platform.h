@@ -14,8 +14,8 @@ struct LocalTime {
     int year = 1970, month = 1, day = 1, hour = 0, minute = 0, second = 0;
 };
 
-/// Everything that leaves the process: dialogs, started programs, clock, folders. The default is headless: boxes and opened
-/// files are recorded, nothing starts.
+/// Everything that leaves the process: dialogs, started programs, clock, folders. The default is headless:
+/// boxes and opened files are recorded, nothing starts.
 class Platform {
 public:
     struct Box {

@@ -50,7 +50,8 @@ public:
     virtual void Notify(unsigned code, const Var& value);
     /// Writes parameters and metadata.
     ResultEnum Save(Stream* stream, Context* context) override;
-    /// Calls `HandleChunk` for each chunk at this level; after a result below 1 it leaves the chunk, stops and gives that result.
+    /// Calls `HandleChunk` for each chunk at this level; after a result below 1 it leaves the chunk, stops
+    /// and gives that result.
     ResultEnum Load(Stream* stream, Context* context) override;
 
     /// kWrongClass unless the source is a `ReferenceSource`; else `CloneFrom`.

@@ -12,10 +12,16 @@ enum class ResultEnum : int {
     kWrongState = -11,
 };
 
-constexpr int ToInt(ResultEnum result) { return static_cast<int>(result); }
+constexpr int ToInt(ResultEnum result) {
+    return static_cast<int>(result);
+}
 /// True for values above 0.
-constexpr bool Succeeded(ResultEnum result) { return ToInt(result) > 0; }
+constexpr bool Succeeded(ResultEnum result) {
+    return ToInt(result) > 0;
+}
 /// True for values below 0 only; 0 counts as "nothing to do".
-constexpr bool Failed(ResultEnum result) { return ToInt(result) < 0; }
+constexpr bool Failed(ResultEnum result) {
+    return ToInt(result) < 0;
+}
 
 }  // namespace qn

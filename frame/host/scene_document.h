@@ -40,8 +40,9 @@ public:
 
     /// A new empty top-level node, borrowed.
     Node* CreateEmptyNode(int, int, int);
-    /// Loads a file into the scene as one new top-level node, borrowed; null on failure or cancellation, with the scene
-    /// as it was and the cause in the context. The importer is chosen by `importer`, else by content and ending.
+    /// Loads a file into the scene as one new top-level node, borrowed; null on failure or cancellation, with
+    /// the scene as it was and the cause in the context. The importer is chosen by `importer`, else by
+    /// content and ending.
     Node* LoadFile(const wchar_t* file, Context* context, unsigned flags, const Guid& importer);
     /// Null unless recording was switched on with `EnableUndo`.
     UndoRecorder* GetUndoRecorder(int reserved) const;
@@ -82,7 +83,8 @@ public:
     const std::vector<HostCallRecord>& GetHostCalls() const;
     void NotifyNode(Node* node, const Var& value) override;
     const std::vector<NodeNotice>& GetNodeNotices() const;
-    /// Observers are watched, not counted. Each gets `OnNotify(Message)` for every `Notify` and every change event.
+    /// Observers are watched, not counted. Each gets `OnNotify(Message)` for every `Notify` and every change
+    /// event.
     void AddObserver(ReferenceTarget* observer);
     void RemoveObserver(ReferenceTarget* observer);
     /// Reaches the observers at once, also within an update.

@@ -23,8 +23,9 @@ class Reference;
 /// A path of instances that names one occurrence, with its own attributes. Copies share the path.
 ///
 /// Without traverser it is valid if the path is not empty and has no null; its children are those of its last
-/// instance's reference, with empty attributes. On a traverser, validity, children and properties are the traverser's,
-/// and the path is that of the start plus one instance for each step, asked for when first needed.
+/// instance's reference, with empty attributes. On a traverser, validity, children and properties are the
+/// traverser's, and the path is that of the start plus one instance for each step, asked for when first
+/// needed.
 class Selector final : public HierarchyElement {
 public:
     class Traverser;
@@ -49,7 +50,8 @@ public:
     Instance* GetPathElement(unsigned index) const;
     /// Lengthens the path; null is kept and makes the selector invalid.
     void AppendPathElement(Instance* instance);
-    /// Puts the selector on a traverser: the path starts with its instance alone; nothing climbs. Null takes it away.
+    /// Puts the selector on a traverser: the path starts with its instance alone; nothing climbs. Null takes
+    /// it away.
     void AssignTraverser(Traverser* traverser);
     /// Own attributes are a non-empty map, or the traverser answers a set value for 0x14, 0x22 or 0x23.
     bool HasSelectorPersistentData() const;
@@ -59,8 +61,8 @@ public:
     /// Borrowed, or null.
     Traverser* GetTraverser() const { return traverser_.Get(); }
 
-    /// Without traverser: own attribute if the key is there, even empty; else, if `inherit`, the last instance's with
-    /// inheritance; else empty. With one: the traverser's.
+    /// Without traverser: own attribute if the key is there, even empty; else, if `inherit`, the last
+    /// instance's with inheritance; else empty. With one: the traverser's.
     Var GetProperty(PropEnum id, int inherit) const override;
     /// Own attribute; with a traverser the traverser's property.
     void SetProperty(PropEnum id, const Var& value) override;
@@ -104,9 +106,9 @@ struct SelectorData {
     Selector::Traverser* traverser = nullptr;
 };
 
-/// Compares the node's properties 7, 8, 6, 0x1a, 2, 1, 3, 0x15, 4, 0x1b, read as a traverser does, with those that its
-/// instance (parameter 0x94, else the table's) inherits; values that are set and differ go into `data.attributes`.
-/// Without an instance every set value does. True if there is any. The flag means nothing.
+/// Compares the node's properties 7, 8, 6, 0x1a, 2, 1, 3, 0x15, 4, 0x1b, read as a traverser does, with those
+/// that its instance (parameter 0x94, else the table's) inherits; values that are set and differ go into
+/// `data.attributes`. Without an instance every set value does. True if there is any. The flag means nothing.
 bool SelectorHasOwnAttributes(k3::Node* node, SelectorData& data, LookupTable* table, bool flag);
 
 }  // namespace graph

@@ -10,14 +10,15 @@ namespace qn {
 class Context;
 class String;
 
-/// A tree of chunks: a 16-bit id and a payload each, nested. Every object is written once and named by number.
-/// A stream either writes or reads; calls of the other kind fail.
+/// A tree of chunks: a 16-bit id and a payload each, nested. Every object is written once and named by
+/// number. A stream either writes or reads; calls of the other kind fail.
 class Stream : public Interface {
 public:
     /// Opens a resource of a module (`handle` not null) or a file for reading; null if it is not there.
     static Counted<Stream> Create(void* handle, const wchar_t* name, int mode);
 
-    /// Opens a chunk for writing below the present one. False if it cannot: then nothing is to be written or closed.
+    /// Opens a chunk for writing below the present one. False if it cannot: then nothing is to be written or
+    /// closed.
     virtual bool BeginChunk(unsigned id) = 0;
     /// Closes (writing) or leaves (reading, consumed or not) the present chunk.
     virtual void EndChunk() = 0;

@@ -28,7 +28,8 @@ public:
 
     /// Decodes UTF-8; damaged sequences become U+FFFD.
     static String FromUtf8(std::string_view text);
-    /// The formatter of the host: "%s" takes `const wchar_t*`, "%S" `const char*`; d i u x X c f g p ld lld, widths, "%%".
+    /// The formatter of the host: "%s" takes `const wchar_t*`, "%S" `const char*`; d i u x X c f g p ld lld,
+    /// widths, "%%".
     void Format(const wchar_t* pattern, ...);
     void AppendFormat(const wchar_t* pattern, ...);
     void Set(const wchar_t* text, int length = -1);
@@ -87,7 +88,8 @@ int CompareTexts(std::wstring_view left, std::wstring_view right) noexcept;
 void AddSlash(wchar_t* path, int size);
 /// Appends `text` to the text in a buffer of `size` characters, cut to fit.
 void k3strcat(wchar_t* buffer, const wchar_t* text, int size);
-/// The host formatter over a `va_list`; writes at most size - 1 characters and a terminator, gives the full length.
+/// The host formatter over a `va_list`; writes at most size - 1 characters and a terminator, gives the full
+/// length.
 int k3vsprintf(wchar_t* buffer, int size, const wchar_t* pattern, __builtin_va_list arguments);
 
 }  // namespace qn

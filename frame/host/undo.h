@@ -8,8 +8,8 @@ namespace qn::k3 {
 
 class Node;
 
-/// Records what is about to change, and really takes it back: one item restores the exact state before, deletions
-/// included. Record calls outside an item do nothing.
+/// Records what is about to change, and really takes it back: one item restores the exact state before,
+/// deletions included. Record calls outside an item do nothing.
 class UndoRecorder {
 public:
     virtual void BeginItem(const String& text) = 0;

@@ -28,14 +28,16 @@ inline constexpr std::uint8_t kFloat = 3;
 inline constexpr std::uint8_t kDouble = 4;
 inline constexpr std::uint8_t kText = 5;
 inline constexpr std::uint8_t kBool = 7;
-inline constexpr std::uint8_t kBlock = 0x0a;  ///< opaque bytes, carried for the node parameters 0x6302 and 0x6303
+inline constexpr std::uint8_t kBlock =
+    0x0a;  ///< opaque bytes, carried for the node parameters 0x6302 and 0x6303
 inline constexpr std::uint8_t kMatrix = 0x0b;
 inline constexpr std::uint8_t kArray = 0x0f;
 inline constexpr std::uint8_t kMap = 0x10;
 inline constexpr std::uint8_t kObject = 0x11;
 }  // namespace VarTag
 
-/// A variant of 16 bytes: payload, tag, flags word. Texts, matrices, collections and objects are shared and counted.
+/// A variant of 16 bytes: payload, tag, flags word. Texts, matrices, collections and objects are shared and
+/// counted.
 class Var {
 public:
     Var() noexcept = default;
@@ -60,10 +62,12 @@ public:
     /// A value of tag kBlock with a copy of the bytes.
     static Var Block(const void* bytes, std::size_t size);
 
-    Var(const Var& other) noexcept : payload_(other.payload_), flags_(other.flags_), tag_(other.tag_), weak_(other.weak_) {
+    Var(const Var& other) noexcept
+        : payload_(other.payload_), flags_(other.flags_), tag_(other.tag_), weak_(other.weak_) {
         if (tag_ >= VarTag::kText && tag_ != VarTag::kBool) Retain();
     }
-    Var(Var&& other) noexcept : payload_(other.payload_), flags_(other.flags_), tag_(other.tag_), weak_(other.weak_) {
+    Var(Var&& other) noexcept
+        : payload_(other.payload_), flags_(other.flags_), tag_(other.tag_), weak_(other.weak_) {
         other.tag_ = VarTag::kEmpty, other.weak_ = 0, other.flags_ = 0;
     }
     Var& operator=(const Var& other) noexcept {
@@ -121,9 +125,10 @@ public:
     /// Elements of an array or map, length of a text, else 0.
     int size() const;
 
-    /// The value under the key, created empty if missing; an empty value becomes a map first, any other that is no
-    /// container is replaced by an empty map. An array grows for an index; a text key or a negative index on an array
-    /// gives a scratch value that is not stored. The result is valid until the container changes.
+    /// The value under the key, created empty if missing; an empty value becomes a map first, any other that
+    /// is no container is replaced by an empty map. An array grows for an index; a text key or a negative
+    /// index on an array gives a scratch value that is not stored. The result is valid until the container
+    /// changes.
     Var& At(int key);
     Var& At(const char* key);
     Var& At(const wchar_t* key);
@@ -139,8 +144,9 @@ public:
     bool Remove(const Var& key);
     void InitMap();
     void InitArray(int count);
-    /// For each key of the argument: missing here: a private copy goes in; both maps: recurse; else the argument wins.
-    /// In place on the shared map. An empty receiver becomes a private copy; if either is no map, nothing.
+    /// For each key of the argument: missing here: a private copy goes in; both maps: recurse; else the
+    /// argument wins. In place on the shared map. An empty receiver becomes a private copy; if either is no
+    /// map, nothing.
     void Merge(const Var& value, int reserved);
     /// Makes nested arrays and maps private copies; other objects stay shared, value flags are kept.
     void MakeUnique(int cloneMode = 1);
@@ -148,14 +154,16 @@ public:
     unsigned GetValueFlags() const noexcept { return flags_; }
     void SetValueFlags(unsigned flags) noexcept { flags_ = flags; }
 
-    /// Below 0, 0, above 0 in the order empty, bool, number, text, matrix and block, array, map, object. Flags do not count.
+    /// Below 0, 0, above 0 in the order empty, bool, number, text, matrix and block, array, map, object.
+    /// Flags do not count.
     int Compare(const Var& other) const;
     friend bool operator==(const Var& left, const Var& right) { return left.Compare(right) == 0; }
     friend bool operator<(const Var& left, const Var& right) { return left.Compare(right) < 0; }
     /// Agrees with ==.
     std::size_t Hash() const;
 
-    /// The value with its tag and flags at the stream's present position; objects by their number in the stream.
+    /// The value with its tag and flags at the stream's present position; objects by their number in the
+    /// stream.
     bool Save(Stream* stream, Context* context) const;
     bool Load(Stream* stream, Context* context);
 

@@ -13,8 +13,8 @@ protected:
     ~Attribute() = default;
 };
 
-/// An element of an XML document, or the document itself (class key "qnxmldocument"), which holds the parsed root as its
-/// only child. Elements live as long as their document. Names are compared without namespace.
+/// An element of an XML document, or the document itself (class key "qnxmldocument"), which holds the parsed
+/// root as its only child. Elements live as long as their document. Names are compared without namespace.
 class Element : public Extension {
 public:
     virtual String GetName() const = 0;

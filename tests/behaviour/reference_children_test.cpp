@@ -35,6 +35,15 @@ TEST(ReferenceChildren, StandInTheOrderInWhichTheyWereAdded) {
     }
 }
 
+TEST(ReferenceChildren, AreNotThoseOfOthersNorItsOwnUses) {
+    const auto parent = NewReference(), other = NewReference();
+    const auto child = NewUse(), use = parent->CreateInstance();
+    other->AddChild(child.Get());
+    parent->AddChild(NewUse().Get());
+    EXPECT_FALSE(parent->HasChild(child.Get()));
+    EXPECT_FALSE(parent->HasChild(use.Get()));
+}
+
 TEST(ReferenceChildren, AreHeldAndHandedOutCounted) {
     const auto parent = NewReference();
     const auto child = NewUse();

@@ -151,6 +151,18 @@ TEST(ReferenceResolvingSelectors, PutsThePresentPrefixInFrontOfEachId) {
     EXPECT_EQ(LivePath(*s.Stored(0)), Path{x.Get()});
 }
 
+TEST(ReferenceResolvingSelectors, DoesNothingWithoutATable) {
+    Scenery s;
+    s.at->AddSelectorPath(IdPath({L"a"}));
+    s.table.Reset();
+    s.at->ResolveSelectors(true, nullptr);
+    const auto other = NewTable();
+    const auto successor = EnterInstance(*other, L"a");
+    s.at->RegisterInTable(other.Get());
+    s.at->ResolveSelectors(false, nullptr);
+    EXPECT_EQ(LivePath(*s.Stored(0)), Path{successor.Get()}) << "the ids were still there";
+}
+
 TEST(ReferenceResolvingSelectors, LooksNeitherAtItsLinksNorAtThoseOfItsSelectors) {
     const Scenery s;
     const auto link = IdSelector(*s.table, IdPath({L"a"})), listed = IdSelector(*s.table, IdPath({L"a"})),

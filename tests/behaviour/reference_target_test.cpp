@@ -204,6 +204,19 @@ TEST_F(ReferenceFiles, ReloadKeepsTheLiveInstancesOnWhatTheFileBrought) {
     EXPECT_EQ(table_->FindReferenceById(L"e40"), now);
 }
 
+TEST_F(ReferenceFiles, ReloadDropsTheDeadEntriesOfAReferenceThatStandsForItself) {
+    context_->SetOption("prevent_reinstancing", 1);
+    const auto reference = table_->GetOrCreateReference(L"e40");
+    reference->SetTarget(Var(file_));
+    auto dead = reference->CreateInstance();
+    const auto live = reference->CreateInstance();
+    dead.Reset();
+    reference->ReloadExternalTarget();
+    ASSERT_EQ(reference->GetInstanceCount(), 1);
+    EXPECT_EQ(reference->GetInstance(0), live);
+    EXPECT_EQ(live->GetReference(), reference);
+}
+
 TEST_F(ReferenceFiles, ReloadKeepsTheListWhereNothingCanBeLoaded) {
     table_->SetSceneAndContext(nullptr, nullptr);
     const auto reference = WithTarget(*table_, Var(file_));

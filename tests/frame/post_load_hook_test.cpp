@@ -1,7 +1,7 @@
 #include "engine/runtime/session.h"
 #include "frame/entry.h"
-#include "frame/host/parameter_ids.h"
 #include "frame/host/meta.h"
+#include "frame/host/parameter_ids.h"
 #include "frame/host/scene_document.h"
 #include "frame/host/translate.h"
 #include "tests/frame/fake_checker.h"

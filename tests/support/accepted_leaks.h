@@ -6,12 +6,17 @@
 
 namespace qn::test {
 
-/// What is allocated while it lives may leak: damaged files can make objects own each other in a ring, which is accepted.
+/// What is allocated while it lives may leak: damaged files can make objects own each other in a ring, which
+/// is accepted.
 class AcceptedLeaks {
 public:
 #if defined(ASSEMBLY_SANITIZERS)
-    AcceptedLeaks() { __lsan_disable(); }
-    ~AcceptedLeaks() { __lsan_enable(); }
+    AcceptedLeaks() {
+        __lsan_disable();
+    }
+    ~AcceptedLeaks() {
+        __lsan_enable();
+    }
 #else
     AcceptedLeaks() {}
     ~AcceptedLeaks() {}
