@@ -72,9 +72,15 @@ void* Knot::CastTo(const ClassRecord& wanted) {
     return CastThrough<Knot, ReferenceSource>(this, wanted);
 }
 
+namespace {
+
+/// Files of knots can be read before the first one was made.
+const bool g_known = (AddEngineClass({Knot::kKey, &MakeOf<Knot>}), true);
+
+}  // namespace
+
 Counted<Knot> MakeKnot(std::string name) {
-    static const bool added = (AddEngineClass({Knot::kKey, &MakeOf<Knot>}), true);
-    static_cast<void>(added);
+    static_cast<void>(g_known);
     return Make<Knot>(std::move(name));
 }
 
