@@ -45,6 +45,7 @@ inline constexpr const char* kResolverCache = "qn.graph.resolvercache";
 inline constexpr const char* kHierarchyFactory = "qn.graph.hierarchyfactory";
 inline constexpr const char* kHierarchyGenerator = "qn.graph.hierarchygenerator";
 inline constexpr const char* kHierarchyChecker = "qn.graph.hierarchychecker";
+inline constexpr const char* kHierarchyOperation = "qn.graph.hierarchyoperation";
 }  // namespace ClassKey
 
 }  // namespace graph
