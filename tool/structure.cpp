@@ -25,14 +25,6 @@ std::string TextOf(const Var& value) {
     return value.IsText() ? value.ToText().ToUtf8() : std::string();
 }
 
-/// Whether the definition only stands around the roots of a file.
-bool IsContainer(const Reference& reference) {
-    const Var metadata = reference.GetProperty(Prop::kMetadata, 0);
-    const Var* group = metadata.IsMap() ? metadata.Lookup(qn::kFileGroup) : nullptr;
-    const Var* mark = group ? group->Lookup(qn::kFileContainer) : nullptr;
-    return mark && mark->ToBool();
-}
-
 /// Node to parent as generation makes it: the definition's own transform first, then that of the use.
 Matrix4<double> LocalMatrix(const Reference* reference, const Var& ofUse) {
     const Var ofDefinition = reference ? reference->GetProperty(Prop::kLocalMatrix, 0) : Var();
@@ -194,6 +186,13 @@ Counted<qn::graph::LookupTable> TableOf(qn::k3::Scene& scene, qn::Context& conte
 }
 
 }  // namespace
+
+bool IsContainer(const Reference& reference) {
+    const Var metadata = reference.GetProperty(Prop::kMetadata, 0);
+    const Var* group = metadata.IsMap() ? metadata.Lookup(qn::kFileGroup) : nullptr;
+    const Var* mark = group ? group->Lookup(qn::kFileContainer) : nullptr;
+    return mark && mark->ToBool();
+}
 
 Structure ReadStructure(qn::k3::Scene& scene, qn::Context& context) {
     Structure structure;

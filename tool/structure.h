@@ -62,5 +62,7 @@ struct Structure {
 /// Fails with kUnreadable if a definition contains itself, with kLimit if there are more occurrences than 64
 /// bits count.
 Structure ReadStructure(qn::k3::Scene& scene, qn::Context& context);
+/// Whether the definition only stands around the roots of a file.
+bool IsContainer(const qn::graph::Reference& reference);
 
 }  // namespace assembly::tool
