@@ -6,9 +6,8 @@
 #include "frame/host/importer.h"
 #include "graph/lookup_table.h"
 #include "tool/failure.h"
+#include "tool/structure_counts.h"
 
-#include <algorithm>
-#include <limits>
 #include <unordered_map>
 
 namespace assembly::tool {
@@ -109,69 +108,6 @@ private:
     std::size_t read_ = 0;
 };
 
-[[noreturn]] void FailOnRing(const Structure& structure, const std::vector<std::uint32_t>& pending) {
-    std::string names;
-    for (std::size_t i = 0; i < structure.definitions.size(); ++i)
-        if (pending[i] > 0 && structure.definitions[i].useCount > 0)
-            names += (names.empty() ? "" : ", ") + ("\"" + structure.definitions[i].name + "\"");
-    throw Failure(ExitCode::kUnreadable, "a definition contains itself; the ring stands among " + names);
-}
-
-/// Definitions with users before used (Kahn's order).
-void SortDefinitions(Structure& structure) {
-    std::vector<std::uint32_t> pending(structure.definitions.size());
-    for (const Use& use : structure.uses)
-        ++pending[use.definition];
-    for (std::uint32_t i = 0; i < pending.size(); ++i)
-        if (pending[i] == 0) structure.order.push_back(i);
-    for (std::size_t at = 0; at < structure.order.size(); ++at) {
-        const Definition& definition = structure.definitions[structure.order[at]];
-        for (std::uint32_t u = 0; u < definition.useCount; ++u) {
-            const std::uint32_t used = structure.uses[definition.firstUse + u].definition;
-            if (--pending[used] == 0) structure.order.push_back(used);
-        }
-    }
-    if (structure.order.size() != structure.definitions.size()) FailOnRing(structure, pending);
-}
-
-std::uint64_t AddOrFail(std::uint64_t left, std::uint64_t right) {
-    if (right > std::numeric_limits<std::uint64_t>::max() - left)
-        throw Failure(ExitCode::kLimit, "the assembly has more occurrences than can be counted (2^64 - 1)");
-    return left + right;
-}
-
-void CountBelow(Structure& structure) {
-    for (auto at = structure.order.rbegin(); at != structure.order.rend(); ++at) {
-        Definition& definition = structure.definitions[*at];
-        definition.expanded = 1, definition.depth = 1;
-        for (std::uint32_t u = 0; u < definition.useCount; ++u) {
-            const Definition& used =
-                structure.definitions[structure.uses[definition.firstUse + u].definition];
-            definition.expanded = AddOrFail(definition.expanded, used.expanded);
-            definition.depth = std::max(definition.depth, used.depth + 1);
-        }
-        structure.widest = std::max(structure.widest, definition.useCount);
-    }
-}
-
-void CountOccurrences(Structure& structure) {
-    for (const Use& root : structure.roots) {
-        Definition& definition = structure.definitions[root.definition];
-        ++definition.occurrences;
-        structure.occurrences = AddOrFail(structure.occurrences, definition.expanded);
-        structure.depth = std::max(structure.depth, definition.depth);
-    }
-    for (const std::uint32_t index : structure.order) {
-        const Definition& definition = structure.definitions[index];
-        for (std::uint32_t u = 0; u < definition.useCount; ++u) {
-            Definition& used = structure.definitions[structure.uses[definition.firstUse + u].definition];
-            used.occurrences = AddOrFail(used.occurrences, definition.occurrences);
-        }
-        if (definition.useCount == 0) structure.leafOccurrences += definition.occurrences;
-    }
-    structure.instances = structure.uses.size();
-}
-
 /// A scene without generator: the hierarchy that its nodes stand for.
 void ReadFromNodes(qn::k3::Node& node, qn::graph::LookupTable& table, Reader& reader) {
     const Counted<Instance> instance = table.GetInstanceOfNode(&node);
@@ -210,9 +146,7 @@ Structure ReadStructure(qn::k3::Scene& scene, qn::Context& context) {
             reader.AddRoot(instance.Get(), root);
         }
     }
-    SortDefinitions(structure);
-    CountBelow(structure);
-    CountOccurrences(structure);
+    CountStructure(structure);
     return structure;
 }
 

@@ -41,7 +41,13 @@ struct Definition {
     std::uint64_t occurrences = 0;  ///< nodes of the expanded tree that show it
     std::uint64_t expanded = 0;     ///< nodes of its own expanded tree, itself included
     std::uint32_t depth = 0;        ///< levels of its own tree, itself included
+    bool emptied = false;           ///< an assembly of which a filter left no use
 };
+
+/// Whether the definition never had uses of others.
+inline bool IsPart(const Definition& definition) {
+    return definition.useCount == 0 && !definition.emptied;
+}
 
 /// The definition graph of a file: costs by definitions and uses, never by occurrences. Definitions stand in
 /// the order in which a walk from the roots, parents first, meets them.
