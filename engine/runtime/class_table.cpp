@@ -1,6 +1,7 @@
 #include "engine/runtime/class_table.h"
 
 #include "engine/xml/xml_document.h"
+#include "frame/host/collaboration.h"
 #include "frame/host/scene.h"
 
 #include <vector>
@@ -24,6 +25,8 @@ constexpr ClassRow kEngineClasses[] = {
     {"k3_generic", &MakeOf<k3::Generic>},
     {"k3_object3d", &MakeOf<k3::Object3D>},
     {"k3_materialsubstitution", &MakeOf<k3::MaterialSubstitution>},
+    {"qn.collaboration.sprite", &MakeOf<collaboration::CollaborationSprite>},
+    {"qn.collaboration.mesh", &MakeOf<collaboration::CollaborationMesh>},
     {"k3_varmap", &MakeOf<VarMap>},
     {"k3_vararray", &MakeOf<VarArray>},
     {"k3_interfacearray", &MakeStrongArray},

@@ -2,6 +2,7 @@
 
 // Scenes, streams and selectors of the host.
 
+#include "frame/host/collaboration.h"
 #include "frame/host/descriptor.h"
 #include "frame/host/entity.h"
 #include "frame/host/generator.h"
