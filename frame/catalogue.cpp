@@ -9,6 +9,8 @@
 #include "graph/persistent_selector_impl.h"
 #include "graph/post_processing_instruction_impl.h"
 #include "graph/reference_impl.h"
+#include "services/hierarchy_checker_impl.h"
+#include "utility/scene_utilities_impl.h"
 
 namespace qn::frame {
 namespace {
@@ -24,6 +26,8 @@ constexpr CatalogueRow kCatalogue[] = {
     {"qn.graph.hierarchyfactory", "Hierarchy Factory", kHostFlag},
     {"qn.graph.hierarchygenerator", "Assembly Hierarchy", kHostFlag},
     {"qn.graph.postprocessinginstruction", "Postprocessing Instruction", kPlain},
+    {"qn.graph.hierarchychecker", "Hierarchy Validator", kHostFlag},
+    {"qn.utility.sceneutilities", "Scene Utilities", kPlain},
 };
 
 template <class T>
@@ -39,6 +43,8 @@ constexpr CreationRow kCreationOrder[] = {
     {"qn.graph.hierarchyfactory", &MakeOne<graph::HierarchyFactoryImpl>},
     {"qn.graph.hierarchygenerator", &MakeOne<graph::HierarchyGeneratorImpl>},
     {"qn.graph.postprocessinginstruction", &MakeOne<graph::PostProcessingInstructionImpl>},
+    {"qn.graph.hierarchychecker", &MakeOne<graph::HierarchyCheckerImpl>},
+    {"qn.utility.sceneutilities", &MakeOne<utility::SceneUtilitiesImpl>},
 };
 
 }  // namespace

@@ -43,8 +43,8 @@ constexpr Row kRows[] = {
     {"qn.graph.hierarchyoperation.discover", "Hierarchy Operation Discover", 0x15, false},
     {"qn.graph.hierarchymerge", "Hierarchy Merge", 0, false},
     {"qn.graph.hierarchyreplace", "Hierarchy Replace", 0, false},
-    {"qn.graph.hierarchychecker", "Hierarchy Validator", 0x10000000, false},
-    {"qn.utility.sceneutilities", "Scene Utilities", 0, false},
+    {"qn.graph.hierarchychecker", "Hierarchy Validator", 0x10000000, true},
+    {"qn.utility.sceneutilities", "Scene Utilities", 0, true},
     {"tov.mw.idmanager", "Identifier Manager", 0x10000000, false},
 };
 
