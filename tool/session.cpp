@@ -58,10 +58,12 @@ Var OptionsOf(const LoadRequest& request) {
     return options;
 }
 
-/// Messages that did not stop the load.
-void PrintWarnings(const ContextImpl& context) {
-    for (const auto& message : context.GetMessages())
-        if (message.level <= kErrorLevel) std::fprintf(stderr, "assembly: %s\n", message.text.Utf8CStr());
+/// Messages from `first` on that did not stop the load.
+void PrintWarnings(const ContextImpl& context, std::size_t first) {
+    const auto& messages = context.GetMessages();
+    for (std::size_t i = first; i < messages.size(); ++i)
+        if (messages[i].level <= kErrorLevel)
+            std::fprintf(stderr, "assembly: %s\n", messages[i].text.Utf8CStr());
 }
 
 }  // namespace
@@ -87,12 +89,13 @@ Counted<qn::k3::Scene> Session::Load(const LoadRequest& request) {
     auto& context = static_cast<ContextImpl&>(*context_);
     context.SetParamVar(qn::Param::kLoadOptions, OptionsOf(request));
     context.SetOption(qn::kInertGenerators, request.graphOnly ? 1 : 0);
+    const std::size_t known = context.GetMessages().size();
     auto scene = qn::Make<qn::k3::Scene>();
     const String file = String::FromUtf8(request.file);
     const qn::k3::Node* top = scene->LoadFile(file.c_str(), &context, kLoadFlags, qn::Guid());
     if (context.IsCancelled()) throw Failure(ExitCode::kCancelled, request.file + ": cancelled");
     if (!top) throw Failure(CodeOf(context.GetFailure()), FailureText(request.file, "could not be loaded"));
-    PrintWarnings(context);
+    PrintWarnings(context, known);
     return scene;
 }
 

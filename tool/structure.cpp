@@ -1,6 +1,7 @@
 #include "tool/structure.h"
 
 #include "construction/hierarchy_factory.h"
+#include "engine/import/external_name.h"
 #include "frame/host/api.h"
 #include "frame/host/generator.h"
 #include "frame/host/importer.h"
@@ -56,9 +57,17 @@ private:
             Definition definition;
             definition.reference = reference;
             definition.name = TextOf(reference->GetProperty(Prop::kName, 0));
+            NoteFile(*reference, definition);
             out_.definitions.push_back(std::move(definition));
         }
         return entry->second;
+    }
+
+    static void NoteFile(const Reference& reference, Definition& definition) {
+        const Var target = reference.GetTarget();
+        if (!target.IsText()) return;
+        definition.fileState = FileState::kNotRead;
+        definition.file = qn::WithForwardSlashes(target.ToText().ToUtf8());
     }
 
     Use MakeUse(Instance* instance, Reference* reference) {

@@ -31,6 +31,9 @@ struct Use {
     std::vector<Override> overrides;
 };
 
+/// What became of the file that a definition names.
+enum class FileState : std::uint8_t { kNone, kNotRead, kRead, kMissing };
+
 /// One definition with its uses of others.
 struct Definition {
     qn::graph::Reference* reference = nullptr;
@@ -42,6 +45,8 @@ struct Definition {
     std::uint64_t expanded = 0;     ///< nodes of its own expanded tree, itself included
     std::uint32_t depth = 0;        ///< levels of its own tree, itself included
     bool emptied = false;           ///< an assembly of which a filter left no use
+    FileState fileState = FileState::kNone;
+    std::string file;  ///< the file that it stands for, as it names it, with forward slashes; UTF-8
 };
 
 /// Whether the definition never had uses of others.
@@ -62,6 +67,7 @@ struct Structure {
     std::uint32_t depth = 0;
     std::uint32_t widest = 0;                   ///< most children of one definition
     qn::Counted<qn::graph::LookupTable> table;  ///< keeps elements alive that were made from plain nodes
+    std::vector<qn::Counted<qn::Interface>> sources;  ///< keep elements alive that came from other files
 };
 
 /// Reads the structure of everything that stands at the top of the scene. Elements are borrowed from it.
