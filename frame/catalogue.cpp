@@ -9,6 +9,7 @@
 #include "graph/persistent_selector_impl.h"
 #include "graph/post_processing_instruction_impl.h"
 #include "graph/reference_impl.h"
+#include "operations/hierarchy_operation_impl.h"
 #include "services/hierarchy_checker_impl.h"
 #include "utility/scene_utilities_impl.h"
 
@@ -17,6 +18,8 @@ namespace {
 
 constexpr unsigned kHostFlag = 0x10000000;
 constexpr unsigned kPlain = 0;
+constexpr unsigned kInvokeId = 0x14;
+constexpr unsigned kDiscoverId = 0x15;
 
 constexpr CatalogueRow kCatalogue[] = {
     {"qn.graph.instance", "Instance", kHostFlag},
@@ -26,6 +29,9 @@ constexpr CatalogueRow kCatalogue[] = {
     {"qn.graph.hierarchyfactory", "Hierarchy Factory", kHostFlag},
     {"qn.graph.hierarchygenerator", "Assembly Hierarchy", kHostFlag},
     {"qn.graph.postprocessinginstruction", "Postprocessing Instruction", kPlain},
+    {"qn.graph.hierarchyoperation", "Hierarchy Operation", kPlain},
+    {"qn.graph.hierarchyoperation.invoke", "Hierarchy Operation Invoke", kInvokeId},
+    {"qn.graph.hierarchyoperation.discover", "Hierarchy Operation Discover", kDiscoverId},
     {"qn.graph.hierarchychecker", "Hierarchy Validator", kHostFlag},
     {"qn.utility.sceneutilities", "Scene Utilities", kPlain},
 };
@@ -43,6 +49,9 @@ constexpr CreationRow kCreationOrder[] = {
     {"qn.graph.hierarchyfactory", &MakeOne<graph::HierarchyFactoryImpl>},
     {"qn.graph.hierarchygenerator", &MakeOne<graph::HierarchyGeneratorImpl>},
     {"qn.graph.postprocessinginstruction", &MakeOne<graph::PostProcessingInstructionImpl>},
+    {"qn.graph.hierarchyoperation", &MakeOne<graph::HierarchyOperationImpl>},
+    {"qn.graph.hierarchyoperation.invoke", &MakeOne<graph::HierarchyOperationImpl>},
+    {"qn.graph.hierarchyoperation.discover", &MakeOne<graph::HierarchyOperationImpl>},
     {"qn.graph.hierarchychecker", &MakeOne<graph::HierarchyCheckerImpl>},
     {"qn.utility.sceneutilities", &MakeOne<utility::SceneUtilitiesImpl>},
 };

@@ -4,6 +4,7 @@
 #include "frame/host/translate.h"
 #include "frame/module.h"
 #include "frame/post_load_hook.h"
+#include "operations/description.h"
 
 #include <climits>
 #include <cstring>
@@ -17,6 +18,7 @@ constexpr std::uintptr_t kRefused = 0;
 std::uintptr_t Register(void*, void* handle) {
     SetModuleHandle(handle);
     RegisterCatalogue(handle);
+    graph::RegisterOperationDescription(handle);
     return kDone;
 }
 

@@ -6,7 +6,7 @@ namespace k3 {
 class Scene;
 }
 
-/// Refreshes the pictures of views. The stand-alone host draws nothing: it records the request with
+/// Draws anew the pictures kept with all views of one kind. The stand-alone host also records the request with
 /// `Scene::HostCall`, the kind of view first, then 0.
 namespace views::ViewUpdater {
 void UpdateSceneModelViewThumbnails(k3::Scene* scene);
