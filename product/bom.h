@@ -16,6 +16,8 @@ inline constexpr unsigned kBomEvent = 3300;
 /// nodes are the scene's. Class key "qn.k3.bom".
 class Bom : public Entity {
 public:
+    explicit Bom(Scene* scene = nullptr) : Entity(scene, kTypeBom) {}
+
     /// Makes the structure one of its scene's. The first takes over what the scene shows, or empties the
     /// scene if `empty`; a later one gets copies, or nothing. kWrongState without a scene or if done before;
     /// kWriteFailed if the root or a copy cannot be made.
