@@ -10,6 +10,8 @@
 #include "graph/post_processing_instruction_impl.h"
 #include "graph/reference_impl.h"
 #include "operations/hierarchy_operation_impl.h"
+#include "product/bom_impl.h"
+#include "product/effectivity_impl.h"
 #include "services/hierarchy_checker_impl.h"
 #include "utility/scene_utilities_impl.h"
 
@@ -22,6 +24,8 @@ constexpr unsigned kInvokeId = 0x14;
 constexpr unsigned kDiscoverId = 0x15;
 
 constexpr CatalogueRow kCatalogue[] = {
+    {"qn.k3.bom", "Bill of Materials", kHostFlag},
+    {"qn.k3.effectivity", "Effectivity", kPlain},
     {"qn.graph.instance", "Instance", kHostFlag},
     {"qn.graph.reference", "Reference", kHostFlag},
     {"qn.graph.persistentselector", "Persistent Selector", kPlain},
@@ -42,6 +46,8 @@ Counted<Interface> MakeOne() {
 }
 
 constexpr CreationRow kCreationOrder[] = {
+    {"qn.k3.bom", &MakeOne<k3::BomImpl>},
+    {"qn.k3.effectivity", &MakeOne<k3::effectivity_impl::EffectivityImpl>},
     {"qn.graph.instance", &MakeOne<graph::InstanceImpl>},
     {"qn.graph.reference", &MakeOne<graph::ReferenceImpl>},
     {"qn.graph.persistentselector", &MakeOne<graph::PersistentSelectorImpl>},

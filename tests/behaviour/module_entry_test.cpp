@@ -28,8 +28,8 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
-    {"qn.k3.bom", "Bill of Materials", 0x10000000, false},
-    {"qn.k3.effectivity", "Effectivity", 0, false},
+    {"qn.k3.bom", "Bill of Materials", 0x10000000, true},
+    {"qn.k3.effectivity", "Effectivity", 0, true},
     {"qn.graph.instance", "Instance", 0x10000000, true},
     {"qn.graph.reference", "Reference", 0x10000000, true},
     {"qn.graph.persistentselector", "Persistent Selector", 0, true},

@@ -75,6 +75,8 @@ constexpr unsigned kHostFlag = 0x10000000;
 
 /// In the order of registration.
 constexpr Wanted kClasses[] = {
+    {"qn.k3.bom", "Bill of Materials", kHostFlag},
+    {"qn.k3.effectivity", "Effectivity"},
     {"qn.graph.instance", "Instance", kHostFlag},
     {"qn.graph.reference", "Reference", kHostFlag},
     {"qn.graph.persistentselector", "Persistent Selector"},
@@ -136,7 +138,7 @@ TEST(Creation, ComparesKeysInAnOrderOfItsOwn) {
     ASSERT_EQ(frame::CreationOrder().size(), frame::Catalogue().size());
     EXPECT_NE(static_cast<const void*>(frame::CreationOrder().data()),
               static_cast<const void*>(frame::Catalogue().data()));
-    EXPECT_STREQ(frame::CreationOrder()[0].key, "qn.graph.instance");
+    EXPECT_STREQ(frame::CreationOrder()[0].key, "qn.k3.bom");
 }
 
 class Registration : public testing::Test {
@@ -182,7 +184,7 @@ TEST_F(Registration, TranslatesTheDisplayNames) {
     K3DLLFunc(frame::Command::kRegister, nullptr, module_.Handle());
     SetTranslateHook(nullptr);
     ASSERT_EQ(askedFor.size(), std::size(kClasses));
-    EXPECT_EQ(askedFor[0], "assembly|Instance|XTXT: extension info");
+    EXPECT_EQ(askedFor[0], "assembly|Bill of Materials|XTXT: extension info");
     EXPECT_EQ(RowsOf(module_.Handle()).back().displayName, String(L"translated"));
 }
 
