@@ -1,18 +1,12 @@
 #include "engine/import/importer_record.h"
 
+#include "engine/runtime/record_fields.h"
+
 #include <algorithm>
 #include <sstream>
 
 namespace qn {
 namespace {
-
-constexpr const char* kBlanks = " \t\r";
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
 
 std::string Lower(std::string_view text) {
     std::string lower(text);
@@ -29,7 +23,7 @@ bool SetKey(std::string_view value, const std::string&, ImporterRecord& out) {
 
 /// The library stands beside its record, nowhere else.
 bool SetModule(std::string_view value, const std::string& folder, ImporterRecord& out) {
-    if (value.find('/') != std::string_view::npos) return false;
+    if (!IsPlainFileName(value)) return false;
     out.modulePath = folder + "/" + std::string(value);
     return true;
 }
@@ -66,14 +60,10 @@ constexpr FieldRow kFields[] = {
     {"name", &SetName}, {"endings", &SetEndings}, {"magic", &AddMagic},
 };
 
-bool SetField(std::string_view line, const std::string& folder, ImporterRecord& out) {
-    const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos) return false;
-    const std::string_view name = Trimmed(line.substr(0, equals));
-    const std::string_view value = Trimmed(line.substr(equals + 1));
+bool SetField(std::string_view name, std::string_view value, const std::string& folder, ImporterRecord& out) {
     const auto field = std::find_if(std::begin(kFields), std::end(kFields),
                                     [&](const FieldRow& row) { return row.name == name; });
-    return field != std::end(kFields) && !value.empty() && field->set(value, folder, out);
+    return field != std::end(kFields) && field->set(value, folder, out);
 }
 
 }  // namespace
@@ -81,16 +71,10 @@ bool SetField(std::string_view line, const std::string& folder, ImporterRecord& 
 bool ParseImporterRecord(std::string_view text, const std::string& folder, ImporterRecord& out,
                          String& reason) {
     ImporterRecord record;
-    int number = 0;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        const std::string_view line = Trimmed(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-        ++number;
-        if (line.empty() || line.front() == '#' || SetField(line, folder, record)) continue;
-        reason.Format(L"line %d cannot be read", number);
-        return false;
-    }
+    const auto take = [&](std::string_view name, std::string_view value) {
+        return SetField(name, value, folder, record);
+    };
+    if (!ReadRecordFields(text, take, reason)) return false;
     if (record.key.empty() || record.modulePath.empty()) {
         reason = L"no key or no module";
         return false;

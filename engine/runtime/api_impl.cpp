@@ -3,16 +3,28 @@
 #include "engine/runtime/byte_stream.h"
 #include "engine/runtime/class_table.h"
 #include "engine/runtime/context_impl.h"
+#include "engine/runtime/module_record.h"
 #include "engine/runtime/modules.h"
 #include "engine/runtime/session.h"
 #include "frame/host/platform.h"
 
 namespace qn {
+namespace {
+
+/// A module that its record names for the class is loaded now, when the class is first asked for.
+Counted<Interface> CreateFromUnloadedModule(const char* key) {
+    const ModuleRecord* known = KnownModules().Find(key);
+    if (!known || !LoadModuleFile(String::FromUtf8(known->modulePath), nullptr)) return {};
+    return Modules().Create(key);
+}
+
+}  // namespace
 
 Counted<Interface> ApiImpl::Create(const char* key) {
     if (!key) return {};
     Counted<Interface> object = Modules().Create(key);
-    return object ? object : MakeEngineClass(key);
+    if (!object) object = MakeEngineClass(key);
+    return object ? object : CreateFromUnloadedModule(key);
 }
 
 bool ApiImpl::RegisterExtension(ModuleHandle handle, const char* key, unsigned value,

@@ -8,7 +8,8 @@ namespace qn {
 /// Without state of its own.
 class ApiImpl final : public Api {
 public:
-    /// Asks the modules that registered the key, then the engine's own classes.
+    /// Asks the modules that registered the key, then the engine's own classes, then loads the module whose
+    /// record names the class.
     Counted<Interface> Create(const char* key) override;
     /// False without a key.
     bool RegisterExtension(ModuleHandle handle, const char* key, unsigned value,

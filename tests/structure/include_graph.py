@@ -49,6 +49,8 @@ def allowed_areas(area):
         return below(area) | {CONTRACT}
     if area == "engine":
         return {CONTRACT, "engine", "graph"}
+    if area == "exchange":
+        return {CONTRACT, "engine", "exchange", "graph", "product"}
     if area == "importers":
         return {CONTRACT, "importers", "graph", "construction"}
     if area == "tool":
@@ -74,13 +76,13 @@ def broken_rule(path, kind, target, root):
         return None
     if area_of(target) not in allowed:
         return f"{area} may not include {area_of(target)} ({target})"
-    if area in ("engine", "importers", "tool") and area_of(target) in LAYERS and is_implementation(target):
+    if area in ("engine", "exchange", "importers", "tool") and area_of(target) in LAYERS and is_implementation(target):
         return f"{area} knows abstract classes only, not {target}"
     return None
 
 
 def sources(root):
-    areas = [*LAYERS, "engine", "importers", "tool", "tests", "bench", "fuzz", "samples"]
+    areas = [*LAYERS, "engine", "exchange", "importers", "tool", "tests", "bench", "fuzz", "samples"]
     for area in areas:
         folder = root / area
         if folder.is_dir():
