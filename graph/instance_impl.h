@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graph/instance.h"
+#include "graph/stored_selectors.h"
 
 namespace qn::graph {
 
@@ -34,8 +35,7 @@ public:
     void ReserveProperties(int count);
     /// Called by the definition that takes the instance into its children, or lets it go.
     void SetParentReference(Reference* parent);
-    /// Empty, or a map from running numbers (and, for path attributes, local ids) to `PersistentSelector`
-    /// values.
+    /// As `StoredSelectors` tells.
     Var& Selectors() { return selectors_; }
     const Var& Selectors() const { return selectors_; }
 
@@ -52,7 +52,8 @@ public:
 
     static const ClassRecord& StaticClass();
     void* CastTo(const ClassRecord& wanted) override {
-        return CastThrough<InstanceImpl, Instance>(this, wanted);
+        void* const found = CastThrough<InstanceImpl, Instance>(this, wanted);
+        return found || &wanted != &StoredSelectors::StaticClass() ? found : &selectors_;
     }
 
 private:
@@ -63,7 +64,7 @@ private:
     void ReadSelectors(Interface* object);
 
     Counted<Reference> reference_;
-    Var selectors_;
+    StoredSelectors selectors_;
     Weak<Reference> parent_;
     Var properties_;
 };
