@@ -46,7 +46,7 @@ bool LoadSceneFile(const String& path, k3::Scene& into, Context& context, LoadRe
     std::string bytes;
     if (!ReadWholeFile(path, bytes, context) || !LoadSceneFromBytes(bytes, path, into, context, report))
         return false;
-    RunPostLoadHooks(&into, false);
+    if (context.GetOption(0, kUncheckedLoad, 0) == 0) RunPostLoadHooks(&into, false);
     return true;
 }
 

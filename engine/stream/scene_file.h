@@ -9,6 +9,9 @@
 
 namespace qn {
 
+/// Option of a load: the modules do not hear of the scene, so that it comes as it is stored.
+inline constexpr const char* kUncheckedLoad = "unchecked_load";
+
 struct SceneSaveOptions {
     /// Stores the nodes that generators made, too. Without it they are stored only where they carry more than
     /// what they are generated from.
@@ -18,8 +21,8 @@ struct SceneSaveOptions {
 /// Writes the scene to a file. False with the cause in the context; the old file is then as it was.
 bool SaveSceneFile(k3::Scene& scene, const String& path, Context& context,
                    const SceneSaveOptions& options = {}, SaveReport* report = nullptr);
-/// Reads a scene file into an empty scene and lets the modules check and repair it. After a failure the scene
-/// is empty again, and the cause is in the context.
+/// Reads a scene file into an empty scene and lets the modules check and repair it, unless the context has
+/// `kUncheckedLoad`. After a failure the scene is empty again, and the cause is in the context.
 bool LoadSceneFile(const String& path, k3::Scene& into, Context& context, LoadReport* report = nullptr);
 
 /// The same in memory; empty after a failure.
