@@ -154,6 +154,7 @@ Structure ReadStructure(qn::k3::Scene& scene, qn::Context& context) {
             const Counted<Instance> instance = root->GetInstance(root->GetInstanceCount() - 1);
             reader.AddRoot(instance.Get(), root);
         }
+        structure.tops.resize(structure.roots.size(), {node, root && IsContainer(*root)});
     }
     CountStructure(structure);
     return structure;

@@ -54,6 +54,12 @@ inline bool IsPart(const Definition& definition) {
     return definition.useCount == 0 && !definition.emptied;
 }
 
+/// Where a root stands in the scene.
+struct Top {
+    const qn::k3::Node* node = nullptr;  ///< the scene's child that shows it, alone or with others
+    bool inContainer = false;            ///< the node stands around the roots and is none itself
+};
+
 /// The definition graph of a file: costs by definitions and uses, never by occurrences. Definitions stand in
 /// the order in which a walk from the roots, parents first, meets them.
 struct Structure {
@@ -61,6 +67,7 @@ struct Structure {
     std::vector<Use> uses;
     std::vector<std::uint32_t> order;  ///< definitions, users before used
     std::vector<Use> roots;            ///< top occurrences; `instance` may be null
+    std::vector<Top> tops;             ///< of each root
     std::uint64_t occurrences = 0;
     std::uint64_t leafOccurrences = 0;
     std::uint64_t instances = 0;  ///< distinct uses below the roots

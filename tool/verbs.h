@@ -8,6 +8,8 @@ namespace assembly::tool {
 void AddShow(CLI::App& app);
 void AddStats(CLI::App& app);
 void AddConvert(CLI::App& app);
+void AddDeps(CLI::App& app);
+void AddParts(CLI::App& app);
 void AddModule(CLI::App& app);
 void AddLimits(CLI::App& app);
 
