@@ -1,24 +1,20 @@
 // Scene files: the compact form costs by definitions and uses, the expanded form by occurrences.
 
 #include "bench/support/shapes.h"
-#include "construction/hierarchy_generator.h"
 #include "engine/stream/scene_file.h"
 #include "frame/host/scene.h"
-#include "tests/support/assembly.h"
+#include "tests/support/generated_scene.h"
 
 namespace qn::bench {
 namespace {
 
 /// A scene whose top node carries a generator for the assembly, with or without its nodes.
 Counted<k3::Scene> SceneOf(const test::Assembly& assembly, Context& context, bool generate) {
-    auto scene = Make<k3::Scene>();
-    k3::Node* top = scene->CreateEmptyNode(0, 0, 0);
-    const auto generator = CreateAs<graph::HierarchyGenerator>(graph::ClassKey::kHierarchyGenerator);
-    graph::Selector selector;
-    selector.AppendPathElement(assembly.RootInstance());
-    generator->SetSelector(selector);
-    k3::Generator::Attach(top, generator.Get());
-    if (generate) generator->Generate(top, &context);
+    auto scene = test::GeneratedScene(assembly);
+    if (generate) {
+        k3::Node* top = scene->GetFirstChild();
+        k3::Generator::Get(top)->Generate(top, &context);
+    }
     return scene;
 }
 
@@ -37,7 +33,7 @@ void Save(benchmark::State& state, bool expand) {
     for (auto _ : state)
         bytes = SaveSceneToBytes(*scene, *context, options).size();
     CountItems(state, ItemsOf(shape, expand));
-    state.counters["bytes"] = static_cast<double>(bytes);
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
 }
 
 void Load(benchmark::State& state, bool expand) {
@@ -58,6 +54,7 @@ void Load(benchmark::State& state, bool expand) {
         if (!LoadSceneFromBytes(bytes, L"bench", *scene, *context)) state.SkipWithError("not loaded");
     }
     CountItems(state, ItemsOf(shape, expand));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
 }
 
 void BM_SaveCompact(benchmark::State& state) {

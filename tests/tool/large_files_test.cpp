@@ -1,11 +1,10 @@
 // Assemblies at the edges: very deep, very wide, very much shared.
 
-#include "construction/hierarchy_generator.h"
 #include "engine/stream/scene_file.h"
 #include "frame/entry.h"
 #include "frame/host/scene.h"
 #include "samples/generator/step_writer.h"
-#include "tests/support/assembly.h"
+#include "tests/support/generated_scene.h"
 #include "tests/support/static_module.h"
 #include "tests/tool/tool_process.h"
 
@@ -27,15 +26,7 @@ std::string SceneBytes(const AssemblyShape& shape) {
     const qn::test::EntryModule module(&K3DLLFunc);
     const qn::test::Assembly made(shape);
     const auto context = qn::api->CreateContext(0, 0);
-    const auto scene = qn::Make<qn::k3::Scene>();
-    qn::k3::Node* top = scene->CreateEmptyNode(0, 0, 0);
-    const auto generator =
-        qn::CreateAs<qn::graph::HierarchyGenerator>(qn::graph::ClassKey::kHierarchyGenerator);
-    qn::graph::Selector selector;
-    selector.AppendPathElement(made.RootInstance());
-    generator->SetSelector(selector);
-    qn::k3::Generator::Attach(top, generator.Get());
-    return qn::SaveSceneToBytes(*scene, *context);
+    return qn::SaveSceneToBytes(*qn::test::GeneratedScene(made), *context);
 }
 
 std::string DeepStep() {
