@@ -25,6 +25,14 @@ void Layer::AddNode(Node* node) {
     members_->list.Add(node);
 }
 
+/// A member that is no node stays listed, too: finding those is up to whoever checks the scene.
+void Layer::KeepStored(Interface* member) {
+    if (auto* node = Cast<Node>(member)) return AddNode(node);
+    if (!member) return;
+    if (!members_) members_ = std::make_unique<Members>();
+    members_->list.AddStranger(member);
+}
+
 void Layer::RemoveNode(Node* node) {
     if (!node || !members_ || !members_->list.Has(node)) return;
     BeforeChange();
@@ -49,8 +57,7 @@ ResultEnum Layer::HandleChunk(int id, Stream* stream, Context* context) {
     if (id == LayerChunk::kDisplayName) {
         displayName_.Load(stream);
     } else if (id == LayerChunk::kMembers) {
-        ReadNumbers(stream, context,
-                    [this](const Counted<Interface>& member) { AddNode(Cast<Node>(member.Get())); });
+        ReadNumbers(stream, context, [this](const Counted<Interface>& member) { KeepStored(member.Get()); });
     } else {
         return Entity::HandleChunk(id, stream, context);
     }

@@ -21,6 +21,13 @@ bool MemberList::Add(Node* node) {
     return true;
 }
 
+void MemberList::AddStranger(Interface* object) {
+    Compact();
+    const bool isIndexed = indexed_ == array_->GetCount();
+    array_->Add(object);
+    if (isIndexed) ++indexed_;
+}
+
 bool MemberList::Remove(Node* node) {
     const int place = Find(node);
     if (place < 0) return false;

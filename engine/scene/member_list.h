@@ -18,6 +18,8 @@ public:
     PointerArray* Array();
     /// False if it is a member already.
     bool Add(Node* node);
+    /// Appends what is no node.
+    void AddStranger(Interface* object);
     /// False if it is no member.
     bool Remove(Node* node);
     bool Has(Node* node) { return Find(node) >= 0; }

@@ -35,6 +35,7 @@ private:
     friend class SceneAccess;
     struct Members;
     void BeforeChange();
+    void KeepStored(Interface* member);
     std::unique_ptr<Members> members_;
     String displayName_;
 };

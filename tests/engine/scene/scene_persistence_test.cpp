@@ -126,6 +126,21 @@ TEST(ScenePersistence, KeepsLayersWithTheirMembers) {
     EXPECT_EQ(found->GetMembers()->Get(0), read->GetFirstChild());
 }
 
+TEST(ScenePersistence, KeepsMembersOfLayersThatAreNoNodes) {
+    const auto scene = Make<Scene>();
+    Node* a = AddNode(*scene, L"a");
+    a->SetObject(Make<Mesh>().Get());
+    Layer* layer = scene->CreateLayer(L"l");
+    layer->AddNode(a);
+    layer->GetMembers()->Add(a->GetObject());
+    layer->AddNode(AddNode(*scene, L"b"));
+    const auto read = Reloaded(*scene);
+    const auto* members = Cast<Layer>(read->GetLayers()->Get(0))->GetMembers();
+    ASSERT_EQ(members->GetCount(), 3);
+    EXPECT_EQ(members->Get(1), read->GetFirstChild()->GetObject());
+    EXPECT_EQ(members->Get(2), read->GetLastChild());
+}
+
 TEST(ScenePersistence, KeepsViewportsAndWhatBelongsToThem) {
     const auto scene = Make<Scene>();
     Node* a = AddNode(*scene, L"a");
