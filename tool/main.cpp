@@ -50,6 +50,8 @@ int main(int argc, char** argv) {
     assembly::tool::AddConvert(app);
     assembly::tool::AddDeps(app);
     assembly::tool::AddParts(app);
+    assembly::tool::AddOps(app);
+    assembly::tool::AddRun(app);
     assembly::tool::AddModule(app);
     assembly::tool::AddLimits(app);
     try {

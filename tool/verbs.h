@@ -10,6 +10,8 @@ void AddStats(CLI::App& app);
 void AddConvert(CLI::App& app);
 void AddDeps(CLI::App& app);
 void AddParts(CLI::App& app);
+void AddOps(CLI::App& app);
+void AddRun(CLI::App& app);
 void AddModule(CLI::App& app);
 void AddLimits(CLI::App& app);
 
