@@ -5,16 +5,21 @@ find_package(fmt REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(CLI11 REQUIRED)
+find_package(simdjson REQUIRED)
+find_package(meshoptimizer REQUIRED)
+find_package(PNG REQUIRED)
 
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(zstd REQUIRED IMPORTED_TARGET libzstd)
 pkg_check_modules(xxhash REQUIRED IMPORTED_TARGET libxxhash)
+pkg_check_modules(draco REQUIRED IMPORTED_TARGET draco)
 
 if(ASSEMBLY_TESTS)
     find_package(GTest REQUIRED)
 endif()
 if(ASSEMBLY_BENCHMARKS)
     find_package(benchmark REQUIRED)
+    find_package(TinyGLTF REQUIRED)
 endif()
 
 # Open CASCADE's own package file pulls in its viewers, so its libraries are found one by one.
