@@ -53,8 +53,10 @@ def allowed_areas(area):
         return {CONTRACT, "engine", "exchange", "graph", "product"}
     if area == "importers":
         return {CONTRACT, "importers", "graph", "construction"}
+    if area == "exporters":
+        return {CONTRACT, "engine", "exporters", "graph", "importers"}
     if area == "tool":
-        return {CONTRACT, "tool", "engine"} | set(LAYERS)
+        return {CONTRACT, "tool", "engine", "exporters"} | set(LAYERS)
     return None
 
 

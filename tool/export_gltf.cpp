@@ -1,0 +1,74 @@
+#include "tool/export_gltf.h"
+
+#include "exporters/gltf/gltf_export.h"
+#include "frame/host/generator.h"
+#include "tool/failure.h"
+#include "tool/structure.h"
+
+#include <cstdio>
+#include <filesystem>
+
+namespace assembly::tool {
+namespace {
+
+namespace gltf = qn::gltf_export;
+
+constexpr const char* kBinaryEnding = ".glb";
+constexpr const char* kTextEnding = ".gltf";
+
+/// The reference around the roots, if the scene is one file that has one.
+qn::graph::Reference* ContainerOf(qn::k3::Scene& scene) {
+    const qn::k3::Node* top = scene.GetFirstChild();
+    const qn::k3::Generator* generator =
+        top && !top->GetNextSibling() ? qn::k3::Generator::Get(top) : nullptr;
+    auto* root = generator ? qn::Cast<qn::graph::Reference>(generator->GetGeneratedRoot()) : nullptr;
+    return root && IsContainer(*root) ? root : nullptr;
+}
+
+gltf::Options OptionsOf(const GltfRequest& request) {
+    gltf::Options options;
+    options.isBinary = std::filesystem::path(request.file).extension() == kBinaryEnding;
+    options.structureOnly = request.structureOnly;
+    if (!request.up.empty()) options.up = request.up == "y" ? gltf::UpAxis::kY : gltf::UpAxis::kZ;
+    return options;
+}
+
+ExitCode CodeOf(gltf::Outcome outcome) {
+    switch (outcome) {
+        case gltf::Outcome::kDone:
+            return ExitCode::kFine;
+        case gltf::Outcome::kLimit:
+            return ExitCode::kLimit;
+        case gltf::Outcome::kCancelled:
+            return ExitCode::kCancelled;
+        case gltf::Outcome::kUnsayable:
+        case gltf::Outcome::kNotWritten:
+            return ExitCode::kNotWritten;
+    }
+    return ExitCode::kDefect;
+}
+
+}  // namespace
+
+bool IsGltfName(const std::string& file) {
+    const auto ending = std::filesystem::path(file).extension();
+    return ending == kBinaryEnding || ending == kTextEnding;
+}
+
+void ExportGltf(qn::k3::Scene& scene, Session& session, const GltfRequest& request) {
+    const Structure structure = ReadStructure(scene, session.GetContext());
+    gltf::Assembly assembly;
+    assembly.container = ContainerOf(scene);
+    for (const Use& root : structure.roots)
+        assembly.roots.push_back({root.instance, structure.definitions[root.definition].reference});
+    const gltf::Result result =
+        gltf::WriteGltf(assembly, request.file, OptionsOf(request), session.GetContext());
+    for (const std::string& warning : result.warnings)
+        std::fprintf(stderr, "assembly: %s: %s\n", request.file.c_str(), warning.c_str());
+    if (result.outcome == gltf::Outcome::kDone) return;
+    throw Failure(CodeOf(result.outcome), result.error.empty()
+                                              ? session.FailureText(request.file, "could not be written")
+                                              : request.file + ": " + result.error);
+}
+
+}  // namespace assembly::tool
