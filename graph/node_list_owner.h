@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/host/class_record.h"
+#include "frame/host/collections.h"
 #include "frame/host/var.h"
 
 namespace qn::graph {
@@ -10,6 +11,8 @@ class NodeListOwner {
 public:
     /// A `VarArray` of top-level nodes; empty if there is none.
     virtual Var GetNodes() const = 0;
+    /// The layers that it keeps while it is not shown, or null.
+    virtual Counted<InterfaceArray> GetLayers() const { return {}; }
 
     static const ClassRecord& StaticClass() {
         static const ClassRecord& record = InternClass("qn::graph::NodeListOwner");

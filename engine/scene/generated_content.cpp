@@ -1,5 +1,6 @@
 #include "engine/scene/generated_content.h"
 
+#include "engine/scene/named_targets.h"
 #include "engine/scene/scene_access.h"
 #include "engine/scene/tree_walk.h"
 #include "frame/host/context.h"
@@ -60,11 +61,9 @@ bool AwaitsGeneration(const Node& node) {
            HasUsableGenerator(node);
 }
 
-namespace {
-
-/// False if the generator refused, or broke off with a failure in the context.
-bool Generate(Node& node, Context* context) {
+bool GenerateChildren(Node& node, Context* context) {
     const Counted<Generator> generator(Generator::Get(&node));
+    const NamedTargetsAside aside(node);
     const bool failedBefore = context && context->GetFailure() != LoadFailure::kNone;
     if (!Succeeded(generator->Generate(&node, context))) return false;
     if (context && !failedBefore && context->GetFailure() != LoadFailure::kNone) return false;
@@ -72,14 +71,12 @@ bool Generate(Node& node, Context* context) {
     return true;
 }
 
-}  // namespace
-
 int GenerateMissing(Scene& scene, Context* context) {
     int generated = 0;
     scene.BeginUpdate();
     for (Counted<Node> node(&scene); node; node = Counted<Node>(NextInSubtree(node.Get(), &scene))) {
         if (!AwaitsGeneration(*node)) continue;
-        if (!Generate(*node, context)) {
+        if (!GenerateChildren(*node, context)) {
             generated = -1;
             break;
         }

@@ -27,7 +27,12 @@ bool CanGenerateChildren(const Node& node);
 /// Whether the node's generator has not made its children yet.
 bool AwaitsGeneration(const Node& node);
 
-/// Generates the children of every node of the scene that awaits it, those of generated nodes included. The
+/// Has the node's generator make its children, which the next save may leave out again. False if the
+/// generator refused, or broke off with a failure in the context.
+bool GenerateChildren(Node& node, Context* context);
+
+/// Generates the children of every node of the scene that awaits it, those of generated nodes included. Files
+/// that definitions name are not opened: such a definition shows as it is, and keeps the name. The
 /// number of nodes that got their content; -1, with the walk ended, if a generator
 /// refused or left a failure in the context.
 int GenerateMissing(Scene& scene, Context* context);

@@ -167,12 +167,16 @@ void Node::SetTrack(int kind, Track* track) {
 }
 
 bool __AddToGlobalList(Node* node, ParamWord) {
-    if (node) SceneAccess::SetListed(*node, true);
+    if (!node) return true;
+    SceneAccess::BeforeListedChange(node->GetScene(), *node);
+    SceneAccess::SetListed(*node, true);
     return true;
 }
 
-bool __RemoveFromGlobalList(Node* node, ParamWord) {
-    if (node) SceneAccess::SetListed(*node, false);
+bool __RemoveFromGlobalList(Node* node, ParamWord argument) {
+    if (!node) return true;
+    SceneAccess::BeforeListedChange(reinterpret_cast<Scene*>(argument), *node);
+    SceneAccess::SetListed(*node, false);
     return true;
 }
 

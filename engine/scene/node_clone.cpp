@@ -1,4 +1,5 @@
 #include "engine/scene/engine_parameter_ids.h"
+#include "engine/scene/generated_content.h"
 #include "engine/scene/node_rare.h"
 #include "frame/host/generator.h"
 
@@ -59,6 +60,7 @@ Counted<ReferenceSource> Node::Clone(unsigned mode) const {
     const Node* from = this;
     Node* to = root.Get();
     for (;;) {
+        if (AwaitsGeneration(*from)) GenerateChildren(const_cast<Node&>(*from), nullptr);
         to->CopyFieldsFrom(*from);
         GiveOwnGenerator(*from, *to, mode);
         const Node* next = from->first_;

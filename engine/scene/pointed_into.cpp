@@ -2,6 +2,7 @@
 #include "engine/scene/scene_data.h"
 #include "frame/host/generator.h"
 #include "frame/host/params.h"
+#include "graph/node_list_owner.h"
 
 namespace qn::k3 {
 namespace {
@@ -58,6 +59,11 @@ private:
 
 }  // namespace
 
+std::unordered_set<const Node*>& SceneAccess::PointedOutside() {
+    static auto& nodes = *new std::unordered_set<const Node*>;  // outlives every other static object
+    return nodes;
+}
+
 void SceneAccess::FindPointedInto(Scene& scene) {
     Scene::Data& data = *scene.data_;
     data.pointedInto.clear();
@@ -72,6 +78,13 @@ void SceneAccess::FindPointedInto(Scene& scene) {
         collector.AddParams(*viewport);
         if (viewport->GetLayer()) collector.AddMembers(viewport->GetLayer()->GetMembers());
     }
+    const VarArray* boms = BomHelper(&scene).GetBoms();
+    for (int i = 0; boms && i < boms->GetCount(); ++i)
+        if (const auto* bom = Cast<graph::NodeListOwner>(boms->Get(i).ToInterface()))
+            collector.AddLayers(bom->GetLayers().Get());
+    PointedOutside().clear();
+    for (const Node* node : data.pointedInto)
+        if (!node->GetScene()) PointedOutside().insert(node);
 }
 
 }  // namespace qn::k3

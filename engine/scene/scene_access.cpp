@@ -34,7 +34,8 @@ void SceneAccess::ForgetGenerated(Node& node) {
 }
 
 bool SceneAccess::IsPointedInto(const Node& node) {
-    return node.scene_ && node.scene_->data_ && node.scene_->data_->pointedInto.contains(&node);
+    if (!node.scene_) return PointedOutside().contains(&node);
+    return node.scene_->data_ && node.scene_->data_->pointedInto.contains(&node);
 }
 
 namespace {
@@ -116,6 +117,10 @@ void SceneAccess::BeforeMove(const Node& node, Node* parent) {
 
 void SceneAccess::BeforeMembersChange(Scene* scene, Layer* layer) {
     if (SceneUndo* undo = RecorderOf(scene)) undo->BeforeMembersChange(*layer);
+}
+
+void SceneAccess::BeforeListedChange(Scene* scene, Node& node) {
+    if (SceneUndo* undo = RecorderOf(scene)) undo->BeforeListedChange(node);
 }
 
 void SceneAccess::BeforeArraysChange(Scene& scene) {

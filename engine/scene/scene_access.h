@@ -5,6 +5,7 @@
 #include "frame/host/scene_document.h"
 
 #include <cstdint>
+#include <unordered_set>
 
 namespace qn::k3 {
 
@@ -30,7 +31,8 @@ public:
     static void SetChildrenStored(Node& node) { node.Rarely().childrenStored = true; }
     /// The children are about to differ from what the generator made.
     static void ForgetGenerated(Node& node);
-    /// Whether something outside of the node's subtree points into it, as of the last `FindPointedInto`.
+    /// Whether something outside of the node's subtree points into it, as of the last `FindPointedInto` of
+    /// its scene; for a node of a structure that is not shown, of any scene.
     static bool IsPointedInto(const Node& node);
     static void FindPointedInto(Scene& scene);
 
@@ -46,6 +48,7 @@ public:
     static void BeforeChildrenChange(Scene* scene, Node* parent, Node* otherParent);
     static void BeforeMove(const Node& node, Node* parent);
     static void BeforeMembersChange(Scene* scene, Layer* layer);
+    static void BeforeListedChange(Scene* scene, Node& node);
     static void BeforeArraysChange(Scene& scene);
     static NodeFields FieldsOf(const Node& node, unsigned kinds);
     static void SetFields(Node& node, const NodeFields& fields);
@@ -61,6 +64,8 @@ public:
     static void SetArrays(Scene& scene, const SceneArrays& arrays);
 
 private:
+    /// Nodes that stand in no scene, with something below them that others point at.
+    static std::unordered_set<const Node*>& PointedOutside();
     static std::uint32_t epoch_;
 };
 

@@ -94,6 +94,8 @@ InterfaceArray* Scene::GetLayers() {
 void Scene::SetLayers(InterfaceArray* layers) {
     SceneAccess::BeforeArraysChange(*this);
     data_->layers = Counted<InterfaceArray>(layers);
+    for (int i = 0; layers && i < layers->GetCount(); ++i)
+        if (auto* layer = Cast<Layer>(layers->Get(i))) layer->SetScene(this);
     SceneAccess::NoteChange(*this);
 }
 
@@ -163,6 +165,14 @@ void Scene::NotifyNode(Node* node, const Var& value) {
 }
 const std::vector<Scene::NodeNotice>& Scene::GetNodeNotices() const {
     return data_->notices;
+}
+
+void Scene::SetParamVar(int id, const Var& value) {
+    const bool isOfStructure =
+        id == Param::kCurrentBom || id == Param::kBoms || id == Param::kCarriedA || id == Param::kCarriedB;
+    SceneUndo* undo = isOfStructure ? SceneAccess::RecorderOf(this) : nullptr;
+    if (undo) undo->RecordParam(this, id, value);
+    Node::SetParamVar(id, value);
 }
 
 void Scene::AddObserver(ReferenceTarget* observer) {

@@ -2,6 +2,7 @@
 #include "engine/scene/chunk_io.h"
 #include "engine/scene/scene_access.h"
 #include "engine/scene/scene_data.h"
+#include "graph/node_list_owner.h"
 
 namespace qn::k3 {
 namespace {
@@ -20,6 +21,15 @@ void Bind(Scene& scene, Interface* object) {
 void BindAll(Scene& scene, const InterfaceArray* array) {
     for (int i = 0; array && i < array->GetCount(); ++i)
         Bind(scene, array->Get(i));
+}
+
+/// Takes the nodes of a structure that is not shown out of the global list.
+void Unlist(const Interface* bom) {
+    const auto* owner = Cast<graph::NodeListOwner>(bom);
+    const Var nodes = owner ? owner->GetNodes() : Var();
+    for (int i = 0; nodes.IsArray() && i < nodes.size(); ++i)
+        if (auto* node = Cast<Node>(nodes.ValueAt(i)))
+            if (!node->GetScene()) node->Visit(0, &__RemoveFromGlobalList, 0);
 }
 
 }  // namespace
@@ -60,8 +70,10 @@ ResultEnum Scene::Load(Stream* stream, Context* context) {
     const BomHelper boms(this);
     Bind(*this, boms.GetCurrentBom());
     const VarArray* all = boms.GetBoms();
-    for (int i = 0; all && i < all->GetCount(); ++i)
+    for (int i = 0; all && i < all->GetCount(); ++i) {
         Bind(*this, all->Get(i).ToInterface());
+        Unlist(all->Get(i).ToInterface());
+    }
     const InterfaceArray* viewports = data_->viewports.Get();
     for (int i = 0; viewports && i < viewports->GetCount(); ++i)
         if (const auto* viewport = Cast<Viewport>(viewports->Get(i))) Bind(*this, viewport->GetLayer());

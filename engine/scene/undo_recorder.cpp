@@ -75,6 +75,10 @@ void SceneUndo::BeforeChildrenChange(Node& parent) {
     Keep(Topic::kChildren, &parent, 0, [&] { return std::make_unique<ChildrenRecord>(parent); });
 }
 
+void SceneUndo::BeforeListedChange(Node& node) {
+    Keep(Topic::kListed, &node, 0, [&] { return std::make_unique<ListedRecord>(node); });
+}
+
 void SceneUndo::BeforeMembersChange(Layer& layer) {
     Keep(Topic::kMembers, &layer, 0, [&] { return std::make_unique<MembersRecord>(layer); });
 }

@@ -26,8 +26,8 @@ public:
 };
 
 /// Records changes of one scene. Besides what it is told it notices by itself, while an item is open, changes
-/// of child lists, of the scene's arrays, of layers and of the selection, so that what was deleted comes back
-/// in its place.
+/// of child lists, of the scene's arrays, of layers and of the selection, and which structure is shown, so
+/// that what was deleted comes back in its place.
 class SceneUndo final : public UndoRecorder {
 public:
     explicit SceneUndo(Scene& scene) : scene_(scene) {}
@@ -45,6 +45,7 @@ public:
     bool Redo() override;
 
     void BeforeChildrenChange(Node& parent);
+    void BeforeListedChange(Node& node);
     void BeforeMembersChange(Layer& layer);
     void BeforeArraysChange();
     /// The texts of the items that can be taken back, the oldest first.
@@ -55,7 +56,7 @@ private:
         String text;
         std::vector<std::unique_ptr<UndoRecord>> records;
     };
-    enum class Topic { kFields, kChildren, kTrack, kParam, kMembers, kArrays };
+    enum class Topic { kFields, kChildren, kTrack, kParam, kListed, kMembers, kArrays };
 
     bool IsOpen() const { return depth_ > 0 && !restoring_; }
     /// The record of that topic in the open item; made by `make` if there is none. Null outside of an item.

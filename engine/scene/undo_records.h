@@ -97,6 +97,18 @@ private:
     State before_, after_;
 };
 
+/// Whether a node stands in the host's global list.
+class ListedRecord final : public UndoRecord {
+public:
+    explicit ListedRecord(Node& node) : node_(node), before_(node.IsInGlobalList()), after_(before_) {}
+    void Finish() override { after_ = node_->IsInGlobalList(); }
+    void Restore(bool before) override { SceneAccess::SetListed(*node_, before ? before_ : after_); }
+
+private:
+    RecordedNode node_;
+    bool before_, after_;
+};
+
 class MembersRecord final : public UndoRecord {
 public:
     explicit MembersRecord(Layer& layer);

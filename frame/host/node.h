@@ -54,7 +54,8 @@ public:
     /// order, until it answers false. The flags are carried, not interpreted.
     using VisitFunction = bool (*)(Node* node, ParamWord argument);
     void Visit(unsigned flags, VisitFunction function, ParamWord argument);
-    /// A copy with its subtree; content and instances are shared, the rest is private. Null on failure.
+    /// A copy with its subtree, which a generator makes first if it has not yet; content and instances are
+    /// shared, the rest is private. Null on failure.
     Counted<ReferenceSource> Clone(unsigned mode) const override;
     /// Whether the node stands in the host's global list of nodes, see `__AddToGlobalList`.
     bool IsInGlobalList() const noexcept { return !unlisted_; }
@@ -161,7 +162,8 @@ private:
 static_assert(sizeof(Node) < 200);
 
 /// Put a node into, or take it out of, the host's global list of nodes: nodes of a structure that is not
-/// shown stand outside. Made for `Node::Visit`; the argument means nothing, the answer is true.
+/// shown stand outside. Made for `Node::Visit`; the answer is true. The argument of the first means nothing,
+/// that of the second is the scene (`Scene*`) which the node left, or 0.
 bool __AddToGlobalList(Node* node, ParamWord argument);
 bool __RemoveFromGlobalList(Node* node, ParamWord argument);
 

@@ -62,6 +62,7 @@ public:
 
     /// The layers, borrowed; made when first asked for.
     InterfaceArray* GetLayers();
+    /// Shares the array; its layers become this scene's.
     void SetLayers(InterfaceArray* layers);
     /// The viewports, borrowed; null until the first one.
     InterfaceArray* GetViewports() const;
@@ -91,6 +92,9 @@ public:
     void Notify(unsigned code, const Var& value) override;
     /// The code of change events.
     static constexpr unsigned kChangeEvent = 1;
+
+    /// Which structure is shown, and what it hands to the scene, goes into the open undo item.
+    void SetParamVar(int id, const Var& value) override;
 
     ResultEnum Save(Stream* stream, Context* context) override;
     /// Also binds what it read to this scene: layers, viewports, entities and structures.
