@@ -1,7 +1,10 @@
 #include "tool/session.h"
 
+#include "engine/import/import_file.h"
 #include "engine/runtime/context_impl.h"
 #include "engine/runtime/engine.h"
+#include "engine/stream/format.h"
+#include "engine/stream/scene_file.h"
 #include "engine/stream/stored_generator.h"
 #include "frame/host/collections.h"
 #include "frame/host/importer.h"
@@ -58,6 +61,19 @@ Var OptionsOf(const LoadRequest& request) {
     return options;
 }
 
+bool IsSceneFile(const String& file) {
+    std::string head;
+    String reason;
+    return qn::ProbeFile(file, head, reason) && head.starts_with(qn::scene_file::kMagic);
+}
+
+/// A scene file is a whole document, with all its structures; any other file becomes the one top node of a
+/// new one.
+bool LoadInto(qn::k3::Scene& scene, const String& file, ContextImpl& context) {
+    if (IsSceneFile(file)) return qn::LoadSceneFile(file, scene, context);
+    return scene.LoadFile(file.c_str(), &context, kLoadFlags, qn::Guid()) != nullptr;
+}
+
 /// Messages from `first` on that did not stop the load.
 void PrintWarnings(const ContextImpl& context, std::size_t first) {
     const auto& messages = context.GetMessages();
@@ -89,12 +105,14 @@ Counted<qn::k3::Scene> Session::Load(const LoadRequest& request) {
     auto& context = static_cast<ContextImpl&>(*context_);
     context.SetParamVar(qn::Param::kLoadOptions, OptionsOf(request));
     context.SetOption(qn::kInertGenerators, request.graphOnly ? 1 : 0);
+    context.SetOption(qn::kUncheckedLoad, request.unchecked ? 1 : 0);
     const std::size_t known = context.GetMessages().size();
     auto scene = qn::Make<qn::k3::Scene>();
     const String file = String::FromUtf8(request.file);
-    const qn::k3::Node* top = scene->LoadFile(file.c_str(), &context, kLoadFlags, qn::Guid());
+    const bool isLoaded = LoadInto(*scene, file, context);
     if (context.IsCancelled()) throw Failure(ExitCode::kCancelled, request.file + ": cancelled");
-    if (!top) throw Failure(CodeOf(context.GetFailure()), FailureText(request.file, "could not be loaded"));
+    if (!isLoaded)
+        throw Failure(CodeOf(context.GetFailure()), FailureText(request.file, "could not be loaded"));
     PrintWarnings(context, known);
     return scene;
 }

@@ -13,6 +13,7 @@ struct LoadRequest {
     std::string file;            ///< UTF-8
     bool structureOnly = false;  ///< no geometry
     bool graphOnly = false;      ///< definitions and uses are enough: nothing is indexed or generated
+    bool unchecked = false;      ///< a scene file comes as it is stored, damage included
     double tolerance = 0;        ///< of tessellation, millimetres; 0: by size
 };
 
@@ -28,7 +29,8 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// A new scene with the file's top node. Fails with the code that the cause stands for.
+    /// A new scene with the file's top node; a scene file as it is, with all its structures. Fails with the
+    /// code that the cause stands for.
     qn::Counted<qn::k3::Scene> Load(const LoadRequest& request);
     /// The context of the present run, borrowed.
     qn::Context& GetContext() { return *context_; }
