@@ -12,6 +12,7 @@
 #include "graph/persistent_selector.h"
 #include "graph/reference.h"
 #include "graph/text_index.h"
+#include "graph/view_binding.h"
 #include "graph/watched_map.h"
 
 #include <set>
@@ -33,7 +34,7 @@ using ElementSet = std::set<Counted<T>, CountedLess<T>>;
 
 /// The fields are shared state of the table, the elements, the factory and the traverser, and so are open to
 /// them.
-class LookupTableImpl final : public LookupTable {
+class LookupTableImpl final : public LookupTable, public ViewBinding {
 public:
     LookupTableImpl();
     ~LookupTableImpl() override;
@@ -94,6 +95,8 @@ public:
     bool IsIdAllowed(const String& text) const override;
     bool IsElementAllowed(HierarchyElement* element) const override;
 
+    void BindViewLater(k3::Viewport* viewport, Reference* definition) override;
+
     /// Copies an `Instance`'s parameters and metadata; kWrongClass for everything else, a table included.
     ResultEnum CopyFrom(const Interface* source, unsigned flags) override;
     const char* GetInterfaceName() const override { return ClassKey::kLookupTable; }
@@ -103,7 +106,7 @@ public:
         return record;
     }
     void* CastTo(const ClassRecord& wanted) override {
-        return CastThrough<LookupTableImpl, LookupTable>(this, wanted);
+        return CastThrough<LookupTableImpl, LookupTable, ViewBinding>(this, wanted);
     }
 
     Weak<k3::Scene> scene;

@@ -62,6 +62,11 @@ int EntityTypeOf(const Var& group) {
     return type ? type->ToInt() : 0;
 }
 
+void LookupTableImpl::BindViewLater(k3::Viewport* viewport, Reference* definition) {
+    if (!viewport || !definition || viewportTargets.Contains(viewport)) return;
+    viewportTargets.At(viewport) = Weak<Reference>(definition);
+}
+
 void LookupTableImpl::ApplyPendingBindings() {
     const Counted<LookupTableImpl> kept(this);
     BindLayers(*this);

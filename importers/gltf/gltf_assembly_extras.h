@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/host/counted.h"
+#include "graph/instance.h"
 #include "graph/lookup_table.h"
 #include "graph/reference.h"
 #include "importers/gltf/gltf_model.h"
@@ -17,6 +18,7 @@ inline constexpr const wchar_t* kAssemblyExtras = L"assembly";
 /// The hierarchy of such a file, made in a table.
 struct AssemblyHierarchy {
     Counted<graph::Reference> root;  ///< the container, else the one root's definition
+    Counted<graph::Instance> top;    ///< the root's use; null: one that says nothing
     struct Shown {
         Counted<graph::Reference> definition;
         std::uint32_t mesh;

@@ -1,0 +1,121 @@
+#include "importers/gltf/document_reader.h"
+
+#include "importers/gltf/gltf_limits.h"
+
+#include <limits>
+
+namespace qn::gltf {
+namespace {
+
+/// The byte at which the parser stands, as far as it can tell.
+std::string ByteText(simdjson::ondemand::document& document, const char* text) {
+    const char* at = nullptr;
+    if (document.current_location().get(at) || at < text) return {};
+    return " near byte " + std::to_string(at - text);
+}
+
+}  // namespace
+
+const DocumentReader::Row<Model> DocumentReader::kRows[] = {
+    {"asset", [](auto& r, Model&, auto& v) { r.ReadAsset(v); }},
+    {"nodes", [](auto& r, Model&, auto& v) { r.ReadNodes(v); }},
+    {"meshes", [](auto& r, Model&, auto& v) { r.ReadMeshes(v); }},
+    {"materials", [](auto& r, Model&, auto& v) { r.ReadMaterials(v); }},
+    {"cameras", [](auto& r, Model&, auto& v) { r.ReadCameras(v); }},
+    {"scenes", [](auto& r, Model&, auto& v) { r.ReadScenes(v); }},
+    {"scene", [](auto& r, Model& m, auto& v) { m.scene = r.json_.Index(v); }},
+    {"buffers", [](auto& r, Model&, auto& v) { r.ReadBuffers(v); }},
+    {"bufferViews", [](auto& r, Model&, auto& v) { r.ReadViews(v); }},
+    {"accessors", [](auto& r, Model&, auto& v) { r.ReadAccessors(v); }},
+    {"extras", [](auto& r, Model& m, auto& v) { m.documentExtras = r.json_.Any(v); }},
+    {"extensionsUsed", [](auto& r, Model& m, auto& v) { r.ReadTexts(v, m.extensionsUsed); }},
+    {"extensionsRequired", [](auto& r, Model& m, auto& v) { r.ReadTexts(v, m.extensionsRequired); }},
+};
+
+void DocumentReader::Read(const char* text, std::size_t length, std::size_t capacity) {
+    simdjson::ondemand::parser parser;
+    simdjson::ondemand::document document;
+    try {
+        document = parser.iterate(text, length, capacity);
+        JsonValue root = document.get_value();
+        ReadObject(root, model_, kRows);
+        const char* rest = nullptr;
+        if (!document.current_location().get(rest)) json_.Fail("expected the end of the text after its object");
+    } catch (const simdjson::simdjson_error& error) {
+        if (error.error() == simdjson::MEMALLOC) throw std::bad_alloc();
+        json_.Fail("the JSON text is damaged" + ByteText(document, text) + ": " +
+                   simdjson::error_message(error.error()));
+    }
+    if (!hasAsset_) throw GltfError("/asset: expected a version, found none");
+}
+
+void DocumentReader::RefuseSecond(bool isFirst) const {
+    if (!isFirst) json_.Fail("is given twice");
+}
+
+void DocumentReader::FailTooMany(std::uint64_t most) const {
+    json_.Fail("the list has more than " + std::to_string(most) + " entries", LoadFailure::kLimit);
+}
+
+Text DocumentReader::AddText(std::string_view text) {
+    const Text added{static_cast<std::uint32_t>(model_.texts.size()),
+                     static_cast<std::uint32_t>(text.size())};
+    if (model_.texts.size() + text.size() > std::numeric_limits<std::uint32_t>::max())
+        json_.Fail("the names of the file are too long", LoadFailure::kLimit);
+    model_.texts += text;
+    return added;
+}
+
+Text DocumentReader::ReadName(JsonValue& value) {
+    return AddText(json_.String(value));
+}
+
+std::uint32_t DocumentReader::ReadExtras(JsonValue& value) {
+    model_.extras.push_back(json_.Any(value));
+    return static_cast<std::uint32_t>(model_.extras.size() - 1);
+}
+
+void DocumentReader::ReadTexts(JsonValue& value, std::vector<std::string>& out) {
+    json_.Elements(value, [&](std::uint64_t, JsonValue& text) { out.emplace_back(json_.String(text)); });
+}
+
+std::uint32_t DocumentReader::ReadNumbers(JsonValue& value, std::uint32_t count) {
+    std::vector<double>& numbers = model_.numbers;
+    const std::size_t first = numbers.size();
+    json_.Elements(value, [&](std::uint64_t, JsonValue& number) {
+        if (numbers.size() - first < count) {
+            numbers.push_back(json_.Number(number));
+        } else {
+            json_.place.Leave();
+            json_.Fail("expected " + std::to_string(count) + " numbers, found more");
+        }
+    });
+    if (numbers.size() - first < count)
+        json_.Fail("expected " + std::to_string(count) + " numbers, found " +
+                   std::to_string(numbers.size() - first));
+    return static_cast<std::uint32_t>(first);
+}
+
+void DocumentReader::ReadIndices(JsonValue& value, std::vector<std::uint32_t>& out, std::uint64_t most) {
+    json_.Elements(value, [&](std::uint64_t, JsonValue& index) {
+        if (out.size() >= most) FailTooMany(most);
+        out.push_back(json_.Index(index));
+    });
+}
+
+/// Files of version 2; a later minor version says in `minVersion` what it needs.
+void DocumentReader::ReadAsset(JsonValue& value) {
+    RefuseSecond(!hasAsset_);
+    model_.asset = json_.Any(value);
+    hasAsset_ = true;
+    const auto textOf = [&](const wchar_t* key) {
+        const Var* text = model_.asset.IsMap() ? model_.asset.Lookup(key) : nullptr;
+        return text && text->IsText() ? text->ToText().ToUtf8() : std::string();
+    };
+    const std::string version = textOf(L"version"), least = textOf(L"minVersion");
+    if (version.empty()) json_.Fail("expected a version, found none");
+    if (version.substr(0, 2) != "2.") json_.Fail("version 2.0 is read, this is version " + version);
+    if (!least.empty() && least != "2.0") json_.Fail("needs a reader of version " + least + ", this is 2.0");
+}
+
+}  // namespace qn::gltf

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace qn::gltf {
+
+/// Triangles of a primitive that KHR_draco_mesh_compression has packed.
+struct UnpackedPrimitive {
+    std::vector<float> positions;  ///< x, y, z
+    std::vector<float> normals;    ///< x, y, z; empty if not asked for
+    std::vector<std::uint32_t> indices;
+};
+
+/// `positions` and `normals` are ids of attributes within the packed bytes; kNone: not asked for. Throws
+/// GltfError.
+UnpackedPrimitive UnpackPrimitive(std::span<const std::uint8_t> packed, std::uint32_t positions,
+                                  std::uint32_t normals);
+
+}  // namespace qn::gltf

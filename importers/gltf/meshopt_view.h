@@ -1,0 +1,14 @@
+#pragma once
+
+#include "importers/gltf/gltf_model.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace qn::gltf {
+
+/// The bytes of a view that EXT_meshopt_compression has packed. Throws GltfError.
+std::vector<std::uint8_t> UnpackView(const BufferView& view, std::span<const std::uint8_t> packed);
+
+}  // namespace qn::gltf
