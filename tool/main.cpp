@@ -48,6 +48,8 @@ int main(int argc, char** argv) {
     assembly::tool::AddShow(app);
     assembly::tool::AddStats(app);
     assembly::tool::AddConvert(app);
+    assembly::tool::AddCheck(app);
+    assembly::tool::AddRepair(app);
     assembly::tool::AddDeps(app);
     assembly::tool::AddParts(app);
     assembly::tool::AddOps(app);

@@ -8,6 +8,8 @@ namespace assembly::tool {
 void AddShow(CLI::App& app);
 void AddStats(CLI::App& app);
 void AddConvert(CLI::App& app);
+void AddCheck(CLI::App& app);
+void AddRepair(CLI::App& app);
 void AddDeps(CLI::App& app);
 void AddParts(CLI::App& app);
 void AddOps(CLI::App& app);

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "tool/session.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+
+namespace assembly::tool {
+
+/// Where a verb that changes a scene writes it.
+struct SaveTarget {
+    std::string output;
+    bool inPlace = false;
+};
+
+/// Adds "-o, --output FILE" and "--in-place", which exclude each other.
+void AddSaveOptions(CLI::App& verb, SaveTarget& target);
+
+/// The file to write, or nothing. Fails with kUsage if it is no scene file, with kNotWritten if its folder
+/// does not exist.
+std::string PathOf(const SaveTarget& target, const std::string& input);
+
+/// Writes the scene. Fails with kNotWritten; an old file is then as it was.
+void SaveTo(const std::string& path, qn::k3::Scene& scene, Session& session);
+
+}  // namespace assembly::tool
