@@ -30,6 +30,8 @@ void SetUnlessEmpty(graph::HierarchyElement& element, graph::PropEnum id, const 
 
 void Describe(Reference& reference, const Definition& definition) {
     reference.SetProperty(Prop::kName, Var(ToText(definition.name)));
+    if (const std::string file = definition.ContentFile(); !file.empty())
+        reference.SetTarget(Var(ToText(file)));
     SetUnlessEmpty(reference, Prop::kMetadata, MetadataOf(definition));
     SetUnlessEmpty(reference, Prop::kExternalIds, ExternalIds(definition.productId, definition.versionId));
 }

@@ -62,6 +62,10 @@ struct Definition {
     std::vector<ShapePiece> shapes;  ///< own geometry; empty if it has none
     std::vector<std::size_t> uses;   ///< of other definitions in this one, in the order of the file
 
+    /// The file that holds what this definition only announces, with forward slashes; empty if there is none,
+    /// or if the definition has uses or geometry of its own: its documents describe it then.
+    std::string ContentFile() const;
+
     bool IsAssembly() const { return !uses.empty(); }
     bool HasOwnGeometry() const { return !shapes.empty(); }
 };
