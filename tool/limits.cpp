@@ -1,5 +1,6 @@
 #include "engine/stream/limits.h"
 #include "graph/limits.h"
+#include "tool/named_files.h"
 #include "tool/terminal.h"
 #include "tool/verbs.h"
 
@@ -27,6 +28,8 @@ struct Limit {
 constexpr Limit kLimits[] = {
     {"occurrences", static_cast<std::uint64_t>(qn::graph::kMaxOccurrences),
      "nodes that one generation makes"},
+    {"file_levels", named_file_limits::kMostLevels, "levels of files that name files"},
+    {"files", named_file_limits::kMostFiles, "files that one assembly is made of"},
     {"scene_file_bytes", scene::kLargestFile, "size of a scene file"},
     {"scene_file_objects", scene::kMostObjects, "objects in a scene file"},
     {"scene_file_classes", scene::kMostClasses, "classes in a scene file"},

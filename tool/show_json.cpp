@@ -10,6 +10,14 @@ std::string IdField(const qn::graph::HierarchyElement* element, const ShowOption
     return id.empty() ? id : ", \"id\": " + Quoted(id);
 }
 
+constexpr const char* kStateNames[] = {"", "not read", "read", "missing"};
+
+std::string FileFields(const Definition& definition) {
+    if (definition.fileState == FileState::kNone) return std::string();
+    return ", \"file\": " + Quoted(definition.file) + ", \"file_state\": \"" +
+           kStateNames[static_cast<int>(definition.fileState)] + "\"";
+}
+
 void WriteDefinitions(Output& output, const Structure& structure, const ShowOptions& options) {
     output.Write("  \"definitions\": [");
     const char* separator = "\n";
@@ -17,8 +25,9 @@ void WriteDefinitions(Output& output, const Structure& structure, const ShowOpti
         output.Write(separator);
         output.Write("    {\"name\": " + Quoted(definition.name) +
                      ", \"kind\": " + (definition.useCount ? "\"assembly\"" : "\"part\"") +
-                     ", \"uses\": " + std::to_string(definition.usedBy) + ", \"occurrences\": " +
-                     std::to_string(definition.occurrences) + IdField(definition.reference, options) + "}");
+                     ", \"uses\": " + std::to_string(definition.usedBy) +
+                     ", \"occurrences\": " + std::to_string(definition.occurrences) +
+                     IdField(definition.reference, options) + FileFields(definition) + "}");
         separator = ",\n";
     }
     output.Write("\n  ]");

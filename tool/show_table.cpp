@@ -23,12 +23,26 @@ std::string UseText(const Definition& definition) {
     return definition.usedBy > 1 ? " (" + std::to_string(definition.usedBy) + " uses)" : std::string();
 }
 
+/// The file that would have to be read for what is below.
+std::string FileText(const Definition& definition) {
+    switch (definition.fileState) {
+        case FileState::kNone:
+        case FileState::kRead:
+            return std::string();
+        case FileState::kNotRead:
+            return " → " + Printable(definition.file);
+        case FileState::kMissing:
+            return " → " + Printable(definition.file) + " (missing)";
+    }
+    return std::string();
+}
+
 std::string Label(const Occurrence& occurrence, const ShowOptions& options, const Output& output) {
     const Definition& definition = *occurrence.definition;
     std::string text = NameOf(definition);
     if (!occurrence.name.empty() && occurrence.name != definition.name)
         text += " \"" + Printable(occurrence.name) + "\"";
-    std::string notes = UseText(definition);
+    std::string notes = UseText(definition) + FileText(definition);
     if (options.ids) notes += IdText(definition.reference) + IdText(occurrence.use->instance);
     if (occurrence.level == options.depth && definition.expanded > 1)
         notes += " + " + std::to_string(definition.expanded - 1) + " below";

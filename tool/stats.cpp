@@ -1,3 +1,4 @@
+#include "tool/named_files.h"
 #include "tool/session.h"
 #include "tool/structure.h"
 #include "tool/terminal.h"
@@ -14,6 +15,7 @@ namespace {
 
 struct Options {
     LoadRequest load;
+    FollowRequest follow;
     std::string format = "table";
     bool timing = false;
 };
@@ -22,8 +24,10 @@ constexpr const char* kExamples =
     "Examples:\n"
     "  assembly stats bracket.stp                  the counts of an assembly\n"
     "  assembly stats --format json bracket.qn     the same for scripts\n"
-    "  assembly stats --timing bracket.qn          with seconds and peak memory\n\n"
-    "Counts definitions, their uses (instances) and the occurrences of the expanded tree without making it.";
+    "  assembly stats --timing bracket.qn          with seconds and peak memory\n"
+    "  assembly stats --load all master.stp        with the files that the assembly names\n\n"
+    "Counts definitions, their uses (instances) and the occurrences of the expanded tree without making it.\n"
+    "Files that the assembly names are counted, and read on request alone (--load all).";
 
 struct Figure {
     const char* key;
@@ -31,7 +35,8 @@ struct Figure {
     std::string value;  ///< JSON text
 };
 
-std::vector<Figure> CountsOf(const Structure& structure) {
+std::vector<Figure> CountsOf(const FollowedStructure& followed) {
+    const Structure& structure = followed.structure;
     std::uint64_t assemblies = 0;
     for (const Definition& definition : structure.definitions)
         assemblies += definition.useCount > 0;
@@ -44,7 +49,10 @@ std::vector<Figure> CountsOf(const Structure& structure) {
             {"leaf_occurrences", "  of parts", text(structure.leafOccurrences)},
             {"roots", "roots", text(structure.roots.size())},
             {"depth", "levels", text(structure.depth)},
-            {"max_children", "most children", text(structure.widest)}};
+            {"max_children", "most children", text(structure.widest)},
+            {"files_named", "files named", text(followed.filesNamed)},
+            {"files_read", "  read", text(followed.filesRead)},
+            {"files_missing", "  missing", text(followed.filesMissing)}};
 }
 
 std::uint64_t PeakMemoryKib() {
@@ -82,12 +90,12 @@ void Run(const Options& options) {
     using Clock = std::chrono::steady_clock;
     Session session;
     const auto start = Clock::now();
-    const auto scene = session.Load(options.load);
+    NamedFiles files = ReadNamedFiles(session, options.load, options.follow);
     const auto loaded = Clock::now();
-    const Structure structure = ReadStructure(*scene, session.GetContext());
+    const FollowedStructure followed = Join(std::move(files));
     const auto counted = Clock::now();
 
-    std::vector<Figure> figures = CountsOf(structure);
+    std::vector<Figure> figures = CountsOf(followed);
     if (options.timing)
         AddTiming(figures, std::chrono::duration<double>(loaded - start).count(),
                   std::chrono::duration<double>(counted - loaded).count());
@@ -96,6 +104,7 @@ void Run(const Options& options) {
         WriteJson(output, figures);
     else
         WriteTable(output, figures);
+    followed.FailIfMissing();
 }
 
 }  // namespace
@@ -106,6 +115,7 @@ void AddStats(CLI::App& app) {
     CLI::App* verb = app.add_subcommand("stats", "Count definitions, uses and occurrences");
     verb->description(kExamples);
     verb->add_option("FILE", options->load.file, "STEP or scene file")->required();
+    AddFollowOptions(*verb, options->follow);
     verb->add_option("--format", options->format, "table or json")->check(CLI::IsMember({"table", "json"}));
     verb->add_flag("--timing", options->timing, "Add times and peak memory");
     verb->callback([options] { Run(*options); });
