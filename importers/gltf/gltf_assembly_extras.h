@@ -26,8 +26,8 @@ struct AssemblyHierarchy {
     std::vector<Shown> shown;  ///< definitions with a mesh; the importer makes it their target, unscaled
 };
 
-/// Makes definitions, uses and overrides from the tables in the document's extras. False if there are none, or
-/// if the nodes disagree with them, which is said in `warning`: then nothing was made and the nodes count.
+/// Makes definitions, uses and overrides from the tables in the document's extras. False if there are none,
+/// or if the nodes disagree with them, which is said in `warning`: then nothing was made and the nodes count.
 /// The model is checked: links lead somewhere, and its nodes are trees.
 bool BuildAssembly(const Model& model, graph::LookupTable& table, AssemblyHierarchy& out,
                    std::string& warning);
