@@ -7,6 +7,7 @@
 #include "graph/persistent_selector_impl.h"
 #include "graph/post_processing_instruction_impl.h"
 #include "graph/reference_impl.h"
+#include "product/bom_impl.h"
 #include "tests/support/static_module.h"
 
 namespace qn::test {
@@ -54,6 +55,7 @@ const StaticModule g_module({
     {ClassKey::kHierarchyGenerator, &MakeOf<HierarchyGeneratorImpl>},
     {ClassKey::kHierarchyChecker, &MakeOf<HierarchyCheckerImpl>},
     {ClassKey::kHierarchyOperation, &MakeOperation},
+    {k3::kBomKey, &MakeOf<k3::BomImpl>},
 });
 
 k3::Node* GenerateCar(k3::Scene& scene, const Assembly& assembly) {
