@@ -1,6 +1,6 @@
 #include "graph/lookup_table_impl.h"
 #include "graph/persistent_selector_impl.h"
-#include "tests/behaviour/element_support.h"
+#include "tests/behaviour/selector_scenery.h"
 
 #include <gtest/gtest.h>
 
@@ -8,20 +8,6 @@ namespace qn::test {
 namespace {
 
 using namespace graph;
-
-using Path = std::vector<Instance*>;
-
-/// A table with instances "a" and "b", and the instance "at" that carries selectors.
-struct Scenery {
-    Counted<LookupTable> table = NewTable();
-    Counted<Instance> at = EnterInstance(*table, L"at");
-    Counted<Instance> a = EnterInstance(*table, L"a");
-    Counted<Instance> b = EnterInstance(*table, L"b");
-
-    Counted<PersistentSelector> Ids(std::initializer_list<const wchar_t*> ids) const {
-        return IdSelector(*table, IdPath(ids));
-    }
-};
 
 /// A list of links: each entry an array with the selector in front.
 Var Links(std::initializer_list<PersistentSelector*> selectors) {

@@ -1,7 +1,5 @@
-#include "engine/stream/object_file.h"
-#include "tests/behaviour/element_support.h"
+#include "tests/behaviour/reloading_support.h"
 #include "tests/support/failing_stream.h"
-#include "tests/support/recording_context.h"
 
 #include <gtest/gtest.h>
 
@@ -11,15 +9,6 @@ namespace {
 using namespace graph;
 
 constexpr int kProperties = 0x1000, kReference = 0x1001, kSelectors = 0x1002;
-
-Counted<ReferenceSource> ThroughFile(ReferenceSource& root) {
-    const auto context = MakeContext();
-    return CountedCast<ReferenceSource>(LoadFromBytes(SaveToBytes(root, *context), *context));
-}
-
-Counted<Instance> Reloaded(Instance& instance) {
-    return CountedCast<Instance>(ThroughFile(instance));
-}
 
 TEST(InstanceSaving, WritesPropertiesThenDefinitionThenSelectors) {
     const auto instance = NewReference()->CreateInstance();
@@ -145,7 +134,7 @@ TEST(InstanceSaving, BringsSelectorsBackOnTheLoadedInstances) {
     path.SetProperty(Prop::kName, Var(L"here"));
     use->AddLocalSelector(path);
 
-    const auto loaded = CountedCast<Reference>(ThroughFile(*root));
+    const auto loaded = Reloaded(*root);
     ASSERT_TRUE(loaded && loaded->GetChildCount() == 1);
     const auto loadedUse = loaded->GetChild(0);
     ASSERT_EQ(loadedUse->GetSelectorCount(), 1);
@@ -158,7 +147,7 @@ TEST(InstanceSaving, SharesOneDefinitionAmongItsLoadedUses) {
     const auto root = NewReference(), part = NewReference();
     root->AddChild(part->CreateInstance().Get());
     root->AddChild(part->CreateInstance().Get());
-    const auto loaded = CountedCast<Reference>(ThroughFile(*root));
+    const auto loaded = Reloaded(*root);
     ASSERT_TRUE(loaded && loaded->GetChildCount() == 2);
     EXPECT_NE(loaded->GetChild(0), loaded->GetChild(1));
     ASSERT_TRUE(loaded->GetChild(0)->GetReference());
@@ -168,7 +157,7 @@ TEST(InstanceSaving, SharesOneDefinitionAmongItsLoadedUses) {
 TEST(InstanceSaving, LeavesTheParentOut) {
     const auto root = NewReference();
     root->AddChild(NewReference()->CreateInstance().Get());
-    const auto loaded = CountedCast<Reference>(ThroughFile(*root));
+    const auto loaded = Reloaded(*root);
     const auto child = loaded->GetChild(0);
     EXPECT_TRUE(loaded->HasChild(child.Get()));
     EXPECT_EQ(child->GetParentReference(), nullptr);

@@ -1,4 +1,4 @@
-#include "tests/behaviour/element_support.h"
+#include "tests/behaviour/selector_scenery.h"
 
 #include <gtest/gtest.h>
 
@@ -6,16 +6,6 @@ namespace qn::test {
 namespace {
 
 using namespace graph;
-
-using Path = std::vector<Instance*>;
-
-/// "at" carries selectors; what they point at has the ids "a" and "b".
-struct Scenery {
-    Counted<LookupTable> table = NewTable();
-    Counted<Instance> at = EnterInstance(*table, L"at");
-    Counted<Instance> a = EnterInstance(*table, L"a");
-    Counted<Instance> b = EnterInstance(*table, L"b");
-};
 
 /// Gives the ids to other instances; whatever has stored ids follows them when it is resolved.
 struct Successors {

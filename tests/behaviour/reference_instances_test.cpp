@@ -1,4 +1,4 @@
-#include "tests/behaviour/element_support.h"
+#include "tests/behaviour/registration_support.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +12,6 @@ std::vector<Instance*> UsesOf(const Reference& reference) {
     for (int i = 0; i < reference.GetInstanceCount(); ++i)
         uses.push_back(reference.GetInstance(i).Get());
     return uses;
-}
-
-bool IsRegistered(LookupTable& table, Instance* instance) {
-    return table.IsSelectorPathValid(PathOf({instance}));
 }
 
 using Uses = std::vector<Instance*>;

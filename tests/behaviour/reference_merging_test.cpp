@@ -1,5 +1,5 @@
 #include "frame/host/object3d.h"
-#include "tests/behaviour/element_support.h"
+#include "tests/behaviour/registration_support.h"
 
 #include <gtest/gtest.h>
 
@@ -7,26 +7,6 @@ namespace qn::test {
 namespace {
 
 using namespace graph;
-
-Counted<Reference> WithServerId(const wchar_t* id) {
-    auto reference = NewReference();
-    reference->SetProperty(Prop::kBsId, Var(id));
-    return reference;
-}
-
-Counted<Instance> AddUse(Reference& parent, Reference& used) {
-    auto use = used.CreateInstance();
-    parent.AddChild(use.Get());
-    return use;
-}
-
-Var IdOf(const HierarchyElement& element) {
-    return element.GetProperty(Prop::kLocalId, 0);
-}
-
-bool IsRegistered(LookupTable& table, Instance* instance) {
-    return table.IsSelectorPathValid(PathOf({instance}));
-}
 
 TEST(ReferenceMerging, PrefersTheOneThatHasContentToALeaf) {
     const auto table = NewTable();

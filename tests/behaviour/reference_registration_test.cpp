@@ -1,6 +1,6 @@
-#include "tests/behaviour/element_support.h"
 #include "tests/behaviour/foreign_instance.h"
 #include "tests/behaviour/foreign_table.h"
+#include "tests/behaviour/registration_support.h"
 
 #include <gtest/gtest.h>
 
@@ -8,26 +8,6 @@ namespace qn::test {
 namespace {
 
 using namespace graph;
-
-Counted<Reference> WithServerId(const wchar_t* id) {
-    auto reference = NewReference();
-    reference->SetProperty(Prop::kBsId, Var(id));
-    return reference;
-}
-
-Counted<Instance> AddUse(Reference& parent, Reference& used) {
-    auto use = used.CreateInstance();
-    parent.AddChild(use.Get());
-    return use;
-}
-
-Var IdOf(const HierarchyElement& element) {
-    return element.GetProperty(Prop::kLocalId, 0);
-}
-
-bool IsRegistered(LookupTable& table, Instance* instance) {
-    return table.IsSelectorPathValid(PathOf({instance}));
-}
 
 TEST(ReferenceRegistration, OfNullDoesNothing) {
     const auto table = NewTable();

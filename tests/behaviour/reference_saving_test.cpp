@@ -1,9 +1,7 @@
-#include "engine/stream/object_file.h"
 #include "frame/host/object3d.h"
 #include "graph/post_processing_instruction.h"
-#include "tests/behaviour/element_support.h"
+#include "tests/behaviour/reloading_support.h"
 #include "tests/support/failing_stream.h"
-#include "tests/support/recording_context.h"
 
 #include <gtest/gtest.h>
 
@@ -12,21 +10,9 @@ namespace {
 
 using namespace graph;
 
-constexpr int kProperties = 0x1000, kTarget = 0x1001, kChildren = 0x1002, kSelectors = 0x1003,
-              kInstructions = 0x1004, kObject = 0x1005, kSecondObject = 0x1006;
+using namespace ReferenceChunk;
 
 using Ids = std::vector<int>;
-
-Counted<Reference> Reloaded(Reference& reference) {
-    const auto context = MakeContext();
-    return CountedCast<Reference>(LoadFromBytes(SaveToBytes(reference, *context), *context));
-}
-
-Counted<Reference> WithTarget(const Var& target) {
-    auto reference = NewReference();
-    reference->SetTarget(target);
-    return reference;
-}
 
 TEST(ReferenceSaving, WritesItsChunksInOrder) {
     const auto table = NewTable();

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "frame/host/node.h"
-#include "graph/instance.h"
 #include "graph/lookup_table.h"
 #include "graph/post_processing_instruction.h"
 #include "graph/reference.h"
+#include "tests/support/inert_instance.h"
 
 #include <map>
 #include <vector>
@@ -12,21 +12,10 @@
 namespace qn::test {
 
 /// A use with properties in a map; what it does not have it inherits from its definition.
-class FakeInstance final : public graph::Instance {
+class FakeInstance final : public InertInstance {
 public:
-    explicit FakeInstance(graph::Reference* reference = nullptr) : reference_(reference) {}
+    using InertInstance::InertInstance;
 
-    graph::Reference* GetReference() const override { return reference_.Get(); }
-    graph::Reference* GetParentReference() const override { return nullptr; }
-    int GetSelectorCount() const override { return 0; }
-    graph::Selector GetSelector(int) const override { return {}; }
-    void RemoveSelector(int) override {}
-    void AddSelector(const graph::Selector&) override {}
-    void ResolveSelectors(bool, Var*) override {}
-    void StoreSelectors(bool, Var*) override {}
-    void ResolveSelector(graph::PersistentSelectorImpl*, String*, graph::LookupTableImpl*,
-                         graph::PersistentSelectorImpl*, bool) override {}
-    void AddLocalSelector(const graph::Selector&) override {}
     void SetProperty(graph::PropEnum id, const Var& value) override { properties_[graph::Key(id)] = value; }
     Var GetProperty(graph::PropEnum id, int inherit) const override {
         const auto own = properties_.find(graph::Key(id));
@@ -36,10 +25,8 @@ public:
     graph::LookupTable* GetLookupTable() const override {
         return reference_ ? reference_->GetLookupTable() : nullptr;
     }
-    String ToDebugString() const override { return String(); }
 
 private:
-    Counted<graph::Reference> reference_;
     std::map<int, Var> properties_;
 };
 
