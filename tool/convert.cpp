@@ -1,6 +1,7 @@
 #include "tool/export_gltf.h"
 #include "tool/failure.h"
 #include "tool/generate.h"
+#include "tool/merge_files.h"
 #include "tool/session.h"
 #include "tool/verbs.h"
 
@@ -14,6 +15,7 @@ namespace {
 
 struct Options {
     LoadRequest load;
+    FollowRequest follow;
     std::string output;
     std::string up;  ///< of a glTF file: axis of the scene that points up
     bool expand = false;
@@ -25,10 +27,14 @@ constexpr const char* kExamples =
     "  assembly convert --structure-only bracket.stp bracket.qn    definitions, uses, names and places "
     "alone\n"
     "  assembly convert --expand bracket.stp bracket.qn            stores a node for each occurrence, too\n"
-    "  assembly convert bracket.qn bracket.glb                     for viewers and the web\n\n"
+    "  assembly convert bracket.qn bracket.glb                     for viewers and the web\n"
+    "  assembly convert --load all master.stp whole.qn             with the content of the files that it "
+    "names\n\n"
     "Imports a file, builds its hierarchy and saves it as a scene file, or as glTF: .glb, or .gltf with a "
     ".bin\n"
-    "beside it.";
+    "beside it. Files that its definitions name stay names, relative to the new file, unless --load asks for "
+    "their\n"
+    "content.";
 
 constexpr const char* kSceneEnding = ".qn";
 
@@ -46,19 +52,43 @@ void CheckOutput(const Options& options) {
         throw Failure(ExitCode::kNotWritten, options.output + ": its folder does not exist");
 }
 
+/// The structure of all files that are asked for: what is wrong with one of them shows before any geometry is
+/// read.
+NamedFiles LookAhead(Session& session, const Options& options) {
+    LoadRequest request = options.load;
+    request.structureOnly = request.graphOnly = true;
+    return ReadNamedFiles(session, request, options.follow);
+}
+
+void Write(qn::k3::Scene& scene, Session& session, const Options& options) {
+    if (IsGltfName(options.output)) {
+        ExportGltf(scene, session, {options.output, options.load.structureOnly, options.up});
+        return;
+    }
+    qn::SceneSaveOptions save;
+    save.expand = options.expand;
+    if (!qn::SaveSceneFile(scene, qn::String::FromUtf8(options.output), session.GetContext(), save))
+        throw Failure(ExitCode::kNotWritten, session.FailureText(options.output, "could not be written"));
+}
+
+/// With the files of the assembly in it. Views that came along are bound to nodes, which have to be made for
+/// that.
+void MergeAll(Session& session, qn::k3::Scene& scene, const NamedFiles& files, const Options& options) {
+    MergeNamedFiles(session, scene, files, options.follow);
+    if (scene.GetViewports()) GenerateNodes(scene, session.GetContext());
+}
+
 void Run(const Options& options) {
     CheckOutput(options);
     Session session;
+    const bool follows = options.follow.levels > 0;
+    const NamedFiles files = follows ? LookAhead(session, options) : NamedFiles();
     const auto scene = session.Load(options.load);
-    if (IsGltfName(options.output)) {
-        ExportGltf(*scene, session, {options.output, options.load.structureOnly, options.up});
-        return;
-    }
+    if (follows) MergeAll(session, *scene, files, options);
     if (options.expand) GenerateNodes(*scene, session.GetContext());
-    qn::SceneSaveOptions save;
-    save.expand = options.expand;
-    if (!qn::SaveSceneFile(*scene, qn::String::FromUtf8(options.output), session.GetContext(), save))
-        throw Failure(ExitCode::kNotWritten, session.FailureText(options.output, "could not be written"));
+    Write(*scene, session, options);
+    if (const std::string missing = MissingText(files); !missing.empty())
+        throw Failure(ExitCode::kFileMissing, missing);
 }
 
 }  // namespace
@@ -69,6 +99,7 @@ void AddConvert(CLI::App& app) {
     verb->description(kExamples);
     verb->add_option("IN", options->load.file, "STEP or scene file")->required();
     verb->add_option("OUT", options->output, "file to write (.qn, .glb, .gltf)")->required();
+    AddFollowOptions(*verb, options->follow);
     verb->add_flag("--expand", options->expand, "Store a node for each occurrence, too");
     verb->add_option("--up", options->up,
                      "glTF: the axis that points up in the scene (what the file says, else z)")

@@ -50,7 +50,7 @@ void FollowedStructure::FailIfMissing() const {
 FollowedStructure Join(NamedFiles&& files) {
     FollowedStructure result;
     result.filesNamed = files.CountNamed();
-    result.filesRead = files.CountRead();
+    result.filesRead = files.opened - 1;
     result.filesMissing = files.CountMissing();
     result.missing = MissingText(files);
     result.structure = JoinFiles(std::move(files));

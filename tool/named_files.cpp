@@ -39,21 +39,25 @@ public:
         : session_(session), request_(request), follow_(follow) {}
 
     NamedFiles Run() {
-        NamedFile& first = out_.files.emplace_back();
-        first.shown = request_.file;
+        const std::size_t openedBefore = session_.GetLoadCount();
+        out_.files.emplace_back().shown = request_.file;
         Read(0);
-        if (follow_.levels == 0) return std::move(out_);
-        first.path = qn::CanonicalPath(request_.file);
-        known_.emplace(first.path, 0);
+        if (follow_.levels > 0) Follow();
+        out_.opened = session_.GetLoadCount() - openedBefore;
+        return std::move(out_);
+    }
+
+private:
+    void Follow() {
+        out_.files.front().path = qn::CanonicalPath(request_.file);
+        known_.emplace(out_.files.front().path, 0);
         for (std::uint32_t at = 0; at < out_.files.size(); ++at) {
             if (at > 0) Enter(at);
             if (out_.files[at].state == FileState::kRead) Scan(at);
         }
         RefuseRings();
-        return std::move(out_);
     }
 
-private:
     /// Reads a file that was named, if it is there and within the levels.
     void Enter(std::uint32_t at) {
         NamedFile& file = out_.files[at];

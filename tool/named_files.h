@@ -50,6 +50,7 @@ struct NamedFile {
 /// level by level. Each stands here once, however often and under whatever names it is named.
 struct NamedFiles {
     std::vector<NamedFile> files;
+    std::size_t opened = 0;  ///< times that a file was opened, the first one included
 
     /// Different files that are named; where none was followed, different names.
     std::size_t CountNamed() const;

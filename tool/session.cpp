@@ -109,6 +109,7 @@ Counted<qn::k3::Scene> Session::Load(const LoadRequest& request) {
     const std::size_t known = context.GetMessages().size();
     auto scene = qn::Make<qn::k3::Scene>();
     const String file = String::FromUtf8(request.file);
+    ++loads_;
     const bool isLoaded = LoadInto(*scene, file, context);
     if (context.IsCancelled()) throw Failure(ExitCode::kCancelled, request.file + ": cancelled");
     if (!isLoaded)

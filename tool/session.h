@@ -32,6 +32,8 @@ public:
     /// A new scene with the file's top node; a scene file as it is, with all its structures. Fails with the
     /// code that the cause stands for.
     qn::Counted<qn::k3::Scene> Load(const LoadRequest& request);
+    /// How many files were opened so far.
+    std::size_t GetLoadCount() const { return loads_; }
     /// The context of the present run, borrowed.
     qn::Context& GetContext() { return *context_; }
     /// "FILE: cause", with the cause that the context knows, else `otherwise`.
@@ -40,6 +42,7 @@ public:
 private:
     qn::Counted<qn::Context> context_;
     ProgressStyle progress_;
+    std::size_t loads_ = 0;
 };
 
 }  // namespace assembly::tool

@@ -117,6 +117,7 @@ k3::Node* ImportInto(const Import& import, const Guid& guid) {
                         ? ImportSceneFile(import.scene, import.file, NameOfTop(import.file), import.context)
                         : ImportWithModule(import, record);
     import.scene->EndUpdate();
+    if (const auto* context = Cast<ContextImpl>(import.context); top && context) context->NoteImport(*top);
     return top;
 }
 

@@ -10,6 +10,10 @@
 
 namespace qn {
 
+namespace k3 {
+class Node;
+}  // namespace k3
+
 /// The engine's context: keeps every message, and can be cancelled from a signal handler or another thread.
 class ContextImpl : public Context {
 public:
@@ -20,6 +24,7 @@ public:
     /// How far the step is, 0 to 1; false asks to stop.
     using ProgressFunction = std::function<bool(double fraction)>;
     using MessageFunction = std::function<void(const Message& message)>;
+    using ImportFunction = std::function<void(k3::Node& top)>;
 
     ContextImpl();
     ~ContextImpl() override;
@@ -31,6 +36,11 @@ public:
     void SetProgressFunction(ProgressFunction function) { progress_ = std::move(function); }
     /// Called with each message after it was kept.
     void SetMessageFunction(MessageFunction function) { listener_ = std::move(function); }
+    /// Called with the top node of each file that was read, before anybody else sees it.
+    void SetImportFunction(ImportFunction function) { imported_ = std::move(function); }
+    void NoteImport(k3::Node& top) const {
+        if (imported_) imported_(top);
+    }
     /// From now on the operation stops as soon as it can. Safe in a signal handler.
     void Cancel() noexcept { cancelled_.store(true, std::memory_order_relaxed); }
     /// Forgets messages, failure and cancellation, so that the context serves a further operation.
@@ -52,6 +62,7 @@ private:
     std::map<std::string, int, std::less<>> options_;
     ProgressFunction progress_;
     MessageFunction listener_;
+    ImportFunction imported_;
     String failureText_;
     LoadFailure failure_ = LoadFailure::kNone;
     std::atomic<bool> cancelled_{false};
