@@ -1,6 +1,8 @@
 #include "frame/host/guid.h"
 
+#include <algorithm>
 #include <cstring>
+#include <functional>
 #include <random>
 
 namespace qn {
@@ -27,10 +29,19 @@ std::uint64_t NextSeeded() noexcept {
     return bits ^ bits >> 31;
 }
 
+/// Starts from 256 bits of the system, asked for once: its source is slow.
+std::mt19937_64 StartedBySystem() {
+    std::random_device device;
+    std::array<std::uint32_t, 8> words;
+    std::generate(words.begin(), words.end(), std::ref(device));
+    std::seed_seq seeds(words.begin(), words.end());
+    return std::mt19937_64(seeds);
+}
+
 std::uint64_t NextRandom() {
     if (g_seed) return NextSeeded();
-    static std::random_device device;
-    return static_cast<std::uint64_t>(device()) << 32 | device();
+    static std::mt19937_64 random = StartedBySystem();
+    return random();
 }
 
 int DigitValue(wchar_t digit) noexcept {
