@@ -31,77 +31,88 @@ struct PendingOverride {
 /// One walk over all definitions, each once, users first.
 class DefinitionWalk {
 public:
-    void Run(const DefinitionRoot& root) {
-        tops_.insert(root.definition.Get());
-        if (states_.contains(root.definition.Get())) return;
-        rootPath_ = root.path;
-        Open(root.definition);
-        while (!levels_.empty()) {
-            Level& level = levels_.back();
-            if (level.next == level.definition->GetChildCount()) {
-                states_[level.definition.Get()] = State::kDone;
-                levels_.pop_back();
-                continue;
-            }
-            const int child = level.next++;
-            Take(level.definition, child, level.definition->GetChild(child));
-        }
+    explicit DefinitionWalk(const std::vector<DefinitionRoot>& roots) {
+        for (const DefinitionRoot& root : roots)
+            Run(root);
     }
 
+    /// What was found, overrides last. The roots must still be there.
     std::vector<DefinitionFault> Finish() {
         for (PendingOverride& pending : overrides_)
             if (!MatchesAny(pending)) faults_.push_back(std::move(pending.place));
+        for (DefinitionFault& fault : faults_)
+            fault.path = PathOf(fault.definition.Get(), fault.child);
         return std::move(faults_);
     }
 
 private:
-    enum class State { kOpen, kDone };
+    /// How a definition was met first.
+    struct Meeting {
+        const Reference* owner = nullptr;  // null: as a root
+        int child = 0;
+        const std::string* rootPath = nullptr;
+        bool isOpen = true;
+    };
     struct Level {
         Counted<Reference> definition;
         int next = 0;
     };
 
-    void Open(Counted<Reference> definition) {
-        states_.emplace(definition.Get(), State::kOpen);
+    void Run(const DefinitionRoot& root) {
+        tops_.insert(root.definition.Get());
+        if (met_.contains(root.definition.Get())) return;
+        Open(root.definition, {nullptr, 0, &root.path});
+        while (!levels_.empty()) {
+            Level& level = levels_.back();
+            if (level.next == level.definition->GetChildCount()) {
+                met_[level.definition.Get()].isOpen = false;
+                levels_.pop_back();
+                continue;
+            }
+            const Counted<Reference> owner = level.definition;
+            const int child = level.next++;
+            Take(owner, child, owner->GetChild(child));
+        }
+    }
+
+    void Open(Counted<Reference> definition, const Meeting& meeting) {
+        met_.emplace(definition.Get(), meeting);
         levels_.push_back({std::move(definition)});
     }
 
-    /// One use. The level may be gone afterwards.
     void Take(const Counted<Reference>& owner, int child, const Counted<Instance>& use) {
         Reference* const used = use ? use->GetReference() : nullptr;
         if (!used) return Add(FindingKind::kUseWithoutDefinition, owner, child, use);
         if (use->GetSelectorCount() > 0) AddOverrides(owner, child, use);
-        const auto known = states_.find(used);
-        if (known == states_.end())
-            Open(Counted<Reference>(used));
-        else if (known->second == State::kOpen)
+        const auto known = met_.find(used);
+        if (known == met_.end())
+            Open(Counted<Reference>(used), {owner.Get(), child});
+        else if (known->second.isOpen)
             Add(FindingKind::kCircularDefinition, owner, child, use);
     }
 
-    DefinitionFault FaultAt(FindingKind kind, const Counted<Reference>& owner, int child,
-                            const Counted<Instance>& use) {
-        return {kind, PresentPath(), owner, child, use, Var()};
-    }
-
     void Add(FindingKind kind, const Counted<Reference>& owner, int child, const Counted<Instance>& use) {
-        faults_.push_back(FaultAt(kind, owner, child, use));
+        faults_.push_back({kind, std::string(), owner, child, use, Var()});
     }
 
     void AddOverrides(const Counted<Reference>& owner, int child, const Counted<Instance>& use) {
         const auto* const stored = qn::Cast<qn::graph::StoredSelectors>(use.Get());
-        if (!stored) return;
-        const DefinitionFault place = FaultAt(FindingKind::kOverrideWithoutOccurrence, owner, child, use);
-        for (int i = 0; i < stored->size(); ++i) {
-            overrides_.push_back({place, stored->ValueAt(i)});
-            overrides_.back().place.selector = stored->KeyAt(i);
-        }
+        for (int i = 0; stored && i < stored->size(); ++i)
+            overrides_.push_back({{FindingKind::kOverrideWithoutOccurrence, std::string(), owner, child, use,
+                                   stored->KeyAt(i)},
+                                  stored->ValueAt(i)});
     }
 
-    /// Of the use that was taken last.
-    std::string PresentPath() {
-        std::string path = rootPath_;
-        for (const Level& level : levels_)
-            path += (path.empty() ? "" : "/") + segments_.Of(*level.definition, level.next - 1);
+    /// Of the first occurrence of a use.
+    std::string PathOf(const Reference* owner, int child) {
+        std::vector<const std::string*> parts;
+        for (; owner; child = met_[owner].child, owner = met_[owner].owner) {
+            parts.push_back(&segments_.Of(*owner, child));
+            if (const std::string* const root = met_[owner].rootPath) parts.push_back(root);
+        }
+        std::string path;
+        for (auto part = parts.rbegin(); part != parts.rend(); ++part)
+            path += (path.empty() ? "" : "/") + **part;
         return path;
     }
 
@@ -129,7 +140,7 @@ private:
 
     bool IsKnownUse(const Instance* use) {
         if (uses_.empty())
-            for (const auto& [definition, state] : states_)
+            for (const auto& [definition, meeting] : met_)
                 for (int i = 0; i < definition->GetChildCount(); ++i)
                     uses_.insert(definition->GetChild(i).Get());
         return uses_.contains(use);
@@ -142,9 +153,8 @@ private:
         return *factory_;
     }
 
-    std::string rootPath_;
     std::vector<Level> levels_;
-    std::unordered_map<const Reference*, State> states_;
+    std::unordered_map<const Reference*, Meeting> met_;
     std::unordered_set<const Reference*> tops_;
     std::unordered_set<const Instance*> uses_;  // filled when first asked for
     std::vector<DefinitionFault> faults_;
@@ -174,10 +184,8 @@ void RemoveSelectors(qn::graph::StoredSelectors& stored, const std::vector<Var>&
 }  // namespace
 
 std::vector<DefinitionFault> CheckDefinitions(qn::k3::Scene& scene) {
-    DefinitionWalk walk;
-    for (const DefinitionRoot& root : DefinitionRoots(scene))
-        walk.Run(root);
-    return walk.Finish();
+    const std::vector<DefinitionRoot> roots = DefinitionRoots(scene);
+    return DefinitionWalk(roots).Finish();
 }
 
 std::string MessageOf(const DefinitionFault& fault) {

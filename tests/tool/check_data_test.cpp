@@ -26,6 +26,11 @@ TEST(CheckedData, HasNoFindingsInStepFiles) {
     ExpectSound(qn::test::DataFiles({".stp", ".step"}));
 }
 
+TEST(CheckedData, HasNoFindingsInGltfFiles) {
+    if (!qn::test::HasData()) GTEST_SKIP() << qn::test::kNoData;
+    ExpectSound(qn::test::DataFiles({".gltf", ".glb"}));
+}
+
 TEST(CheckedData, HasNoFindingsInStepFilesWithStoredNodes) {
     if (!qn::test::HasData()) GTEST_SKIP() << qn::test::kNoData;
     const TemporaryFolder folder;

@@ -223,6 +223,31 @@ TEST_F(CheckedFiles, TellOfEverythingThatIsWrong) {
     EXPECT_EQ(RunTool({"check", damaged_}).exitCode, 0);
 }
 
+/// Two definitions of one server id, which a load makes one, below nodes that show the objects of both.
+qn::Counted<qn::k3::Scene> SharedServerId() {
+    const auto car =
+        qn::test::AssemblyBuilder("car").Child("left door").Child("right door").WithContent().Build();
+    auto scene = qn::test::GeneratedScene(car);
+    qn::k3::Node* const top = scene->GetFirstChild();
+    const auto context = qn::api->CreateContext(0, 0);
+    qn::k3::Generator::Get(top)->Generate(top, context.Get());
+    top->SetName(L"car");
+    top->SetText(L"edited");
+    top->GetChildAt(0)->SetText(L"edited");  // so that the nodes are stored
+    for (const char* door : {"left door", "right door"})
+        car.Ref(door)->SetProperty(qn::graph::Prop::kBsId, qn::Var(L"s:door"));
+    return scene;
+}
+
+TEST_F(CheckedFiles, AreSeenAsALoadSeesThemWhereNodesStandBelowAGenerator) {
+    Save(damaged_, &SharedServerId);
+    const ToolRun run = RunTool({"check", damaged_});
+    EXPECT_EQ(run.exitCode, 1) << run.err;
+    EXPECT_NE(run.out.find("[wrong-object]"), std::string::npos) << run.out;
+    EXPECT_EQ(RunTool({"repair", "--in-place", damaged_}).exitCode, 0);
+    EXPECT_EQ(RunTool({"check", damaged_}).exitCode, 0);
+}
+
 TEST_F(CheckedFiles, MayBeTenThousandLevelsDeep) {
     Save(nodes_, [] {
         const qn::test::Assembly deep(qn::test::DeepShape(10'000));
