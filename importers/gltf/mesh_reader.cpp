@@ -2,7 +2,9 @@
 
 #include "importers/gltf/accessor_reader.h"
 #include "importers/gltf/draco_primitive.h"
+#include "importers/gltf/gltf_assembly_extras.h"
 #include "importers/gltf/gltf_error.h"
+#include "importers/gltf/gltf_extras_keys.h"
 #include "importers/gltf/gltf_limits.h"
 #include "importers/gltf/gltf_metadata.h"
 
@@ -134,6 +136,13 @@ private:
     bool hasAllNormals_ = true;
 };
 
+/// Whether a writer of ours gave the material to triangles that have none.
+bool StandsForNone(const Var& extras) {
+    const Var* told = extras.IsMap() ? extras.Lookup(kAssemblyExtras) : nullptr;
+    const Var* mark = told ? told->Lookup(gltf_extras::Word::kUnassigned) : nullptr;
+    return mark && mark->ToBool();
+}
+
 }  // namespace
 
 Counted<k3::Mesh> MeshReader::Read(std::uint32_t index) {
@@ -162,6 +171,7 @@ k3::Material* MeshReader::MaterialOf(std::uint32_t index) {
     Counted<k3::Material>& made = materials_[index];
     if (made) return made.Get();
     const Material& material = model_.materials[index];
+    if (StandsForNone(model_.ExtrasAt(material.extras))) return nullptr;
     made = Make<k3::Material>();
     if (!made) return nullptr;
     std::array<float, 4> colour = material.colour;
