@@ -1,6 +1,7 @@
 #include "tool/session.h"
 
 #include "engine/import/import_file.h"
+#include "engine/platform/headless_platform.h"
 #include "engine/runtime/context_impl.h"
 #include "engine/runtime/engine.h"
 #include "engine/stream/format.h"
@@ -12,6 +13,7 @@
 #include "tool/failure.h"
 
 #include <unistd.h>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 
@@ -82,9 +84,20 @@ void PrintWarnings(const ContextImpl& context, std::size_t first) {
             std::fprintf(stderr, "assembly: %s\n", messages[i].text.Utf8CStr());
 }
 
+/// What a host would have shown its user while the file was opened, from box `first` on.
+void PrintBoxes(const std::string& file, std::size_t first) {
+    const auto& boxes = qn::GetHeadlessPlatform().Boxes();
+    for (std::size_t i = first; i < boxes.size(); ++i) {
+        std::string text = boxes[i].text.ToUtf8();
+        std::replace(text.begin(), text.end(), '\n', ' ');
+        std::fprintf(stderr, "assembly: %s: %s: %s\n", file.c_str(), boxes[i].caption.Utf8CStr(),
+                     text.c_str());
+    }
+}
+
 }  // namespace
 
-Session::Session(ProgressStyle progress) : progress_(progress) {
+Session::Session(ProgressStyle progress) {
     String reason;
     if (!qn::StartEngineWithAssembly(&reason))
         throw Failure(ExitCode::kDefect, "the assembly module could not be loaded: " + reason.ToUtf8());
@@ -107,6 +120,7 @@ Counted<qn::k3::Scene> Session::Load(const LoadRequest& request) {
     context.SetOption(qn::kInertGenerators, request.graphOnly ? 1 : 0);
     context.SetOption(qn::kUncheckedLoad, request.unchecked ? 1 : 0);
     const std::size_t known = context.GetMessages().size();
+    const std::size_t shown = qn::GetHeadlessPlatform().Boxes().size();
     auto scene = qn::Make<qn::k3::Scene>();
     const String file = String::FromUtf8(request.file);
     ++loads_;
@@ -115,6 +129,7 @@ Counted<qn::k3::Scene> Session::Load(const LoadRequest& request) {
     if (!isLoaded)
         throw Failure(CodeOf(context.GetFailure()), FailureText(request.file, "could not be loaded"));
     PrintWarnings(context, known);
+    PrintBoxes(request.file, shown);
     return scene;
 }
 

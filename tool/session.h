@@ -41,7 +41,6 @@ public:
 
 private:
     qn::Counted<qn::Context> context_;
-    ProgressStyle progress_;
     std::size_t loads_ = 0;
 };
 

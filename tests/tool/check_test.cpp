@@ -223,6 +223,14 @@ TEST_F(CheckedFiles, TellOfEverythingThatIsWrong) {
     EXPECT_EQ(RunTool({"check", damaged_}).exitCode, 0);
 }
 
+TEST_F(CheckedFiles, AreRepairedAndReportedWhenAnotherVerbOpensThem) {
+    const ToolRun run = RunTool({"show", damaged_});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.err.rfind("assembly: " + damaged_ + ": File Validation Issue: Issues were found", 0), 0u)
+        << run.err;
+    EXPECT_EQ(RunTool({"show", nodes_}).err, "");
+}
+
 /// Two definitions of one server id, which a load makes one, below nodes that show the objects of both.
 qn::Counted<qn::k3::Scene> SharedServerId() {
     const auto car =
