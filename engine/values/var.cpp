@@ -44,7 +44,7 @@ Var::Var(const String& text) : tag_(VarTag::kText) {
 Var::Var(const Guid& id) : Var(id.ToText()) {}
 
 Var::Var(const Matrix4<double>& matrix) : tag_(VarTag::kMatrix) {
-    payload_.matrix = new MatrixBody{1, matrix};
+    payload_.matrix = MatrixBody::Make(matrix);
 }
 
 Var::Var(Interface* object, int counted) {
@@ -91,7 +91,7 @@ void Var::Drop() noexcept {
             if (payload_.text) payload_.text->Drop();
             break;
         case VarTag::kMatrix:
-            if (--payload_.matrix->count == 0) delete payload_.matrix;
+            if (--payload_.matrix->count == 0) payload_.matrix->Destroy();
             break;
         case VarTag::kBlock:
             if (--payload_.block->count == 0) std::free(payload_.block);

@@ -8,11 +8,19 @@
 
 namespace qn {
 
-/// What a value of tag kMatrix shares.
+/// What a value of tag kMatrix shares: this head, then all 16 numbers, or of a matrix that only moves the
+/// three of its translation.
 struct MatrixBody {
     int count;
-    Matrix4<double> matrix;
+    bool isMove;
+
+    static MatrixBody* Make(const Matrix4<double>& matrix);
+    Matrix4<double> Get() const noexcept;
+    void Destroy() noexcept;
+    double* Numbers() noexcept { return reinterpret_cast<double*>(this + 1); }
+    const double* Numbers() const noexcept { return reinterpret_cast<const double*>(this + 1); }
 };
+static_assert(sizeof(MatrixBody) % alignof(double) == 0);
 
 /// What a value of tag kBlock shares: this head, then the bytes.
 struct BlockBody {
@@ -26,7 +34,7 @@ struct VarAccess {
     static std::int64_t Integer(const Var& value) noexcept { return value.payload_.integer; }
     static double Real(const Var& value) noexcept { return value.payload_.real; }
     static const TextBody* Text(const Var& value) noexcept { return value.payload_.text; }
-    static const Matrix4<double>& Matrix(const Var& value) noexcept { return value.payload_.matrix->matrix; }
+    static Matrix4<double> Matrix(const Var& value) noexcept { return value.payload_.matrix->Get(); }
 
     static bool IsInteger(const Var& value) noexcept {
         return value.tag_ == VarTag::kInt || value.tag_ == VarTag::kInt64;

@@ -53,10 +53,9 @@ int OrderNumbers(const Var& left, const Var& right) noexcept {
 }
 
 int OrderMatrices(const Var& left, const Var& right) noexcept {
-    const double* leftEntry = &VarAccess::Matrix(left).m[0][0];
-    const double* rightEntry = &VarAccess::Matrix(right).m[0][0];
+    const Matrix4<double> first = VarAccess::Matrix(left), second = VarAccess::Matrix(right);
     for (int i = 0; i < 16; ++i)
-        if (const int order = OrderReals(leftEntry[i], rightEntry[i])) return order;
+        if (const int order = OrderReals(first.m[i / 4][i % 4], second.m[i / 4][i % 4])) return order;
     return 0;
 }
 

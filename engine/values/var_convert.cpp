@@ -190,7 +190,7 @@ bool Var::copy_to(Guid& out) const {
 
 bool Var::copy_to(Matrix4<double>& out) const {
     if (IsMatrix())
-        out = payload_.matrix->matrix;
+        out = payload_.matrix->Get();
     else
         std::memset(out.m, 0, sizeof out.m);
     return IsMatrix();

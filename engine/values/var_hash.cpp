@@ -49,7 +49,7 @@ std::size_t VarAccess::KeyHash(const Var& key) noexcept {
         case VarTag::kBlock:
             return std::hash<std::string_view>()(key.BlockBytes());
         case VarTag::kMatrix:
-            return HashOfMatrix(key.payload_.matrix->matrix);
+            return HashOfMatrix(key.payload_.matrix->Get());
         case VarTag::kObject:
             return Mixed(reinterpret_cast<std::uintptr_t>(key.ToInterface()));
     }

@@ -2,6 +2,13 @@
 
 #include "frame/host/reference_source.h"
 
+namespace qn {
+
+/// Option of a load: what generators make is not wanted, only what they make it from. Nothing is indexed then.
+inline constexpr const char* kInertGenerators = "inert_generators";
+
+}  // namespace qn
+
 namespace qn::k3 {
 
 /// Makes content below the object it is attached to. An object carries at most one generator for each class
