@@ -1,6 +1,7 @@
 #include "graph/child_list.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace qn::graph {
 
@@ -16,6 +17,7 @@ Instance* ChildList::Get(int index) const {
 }
 
 bool ChildList::Contains(const Instance* instance) const {
+    if (std::less<>()(highest_, instance)) return false;
     if (entries_.size() < kIndexedFrom) return Find(instance) >= 0;
     if (!index_) BuildIndex();
     return index_->count(instance) != 0;
@@ -28,6 +30,7 @@ int ChildList::Find(const Instance* instance) const {
 
 void ChildList::Append(Instance* instance) {
     entries_.emplace_back(instance);
+    highest_ = std::max<const Instance*>(highest_, instance, std::less<>());
     if (index_) ++(*index_)[instance];
 }
 

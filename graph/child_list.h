@@ -10,7 +10,7 @@
 namespace qn::graph {
 
 /// The instances inside a definition, in order, counted. Asking whether one is there takes constant time in
-/// long lists.
+/// long lists: fresh objects have rising addresses, and for others an index is built.
 class ChildList {
 public:
     int GetCount() const { return static_cast<int>(entries_.size()); }
@@ -30,6 +30,7 @@ private:
     void BuildIndex() const;
 
     std::vector<Counted<Instance>> entries_;
+    const Instance* highest_ = nullptr;  // no entry ever had a higher address
     mutable std::unique_ptr<Index> index_;
 };
 
