@@ -66,19 +66,21 @@ const ComponentType& TypeOf(int number, const std::string& place) {
     const auto found = std::find_if(std::begin(kComponentTypes), std::end(kComponentTypes),
                                     [&](const ComponentType& type) { return type.number == number; });
     if (found == std::end(kComponentTypes))
-        FailAt(place + "/componentType", "expected 5120 to 5123, 5125 or 5126, found " + std::to_string(number));
+        FailAt(place + "/componentType",
+               "expected 5120 to 5123, 5125 or 5126, found " + std::to_string(number));
     return *found;
 }
 
-Elements ElementsIn(Bytes bytes, std::uint64_t offset, std::size_t stride, std::size_t size, std::uint64_t count,
-                    const std::string& place) {
+Elements ElementsIn(Bytes bytes, std::uint64_t offset, std::size_t stride, std::size_t size,
+                    std::uint64_t count, const std::string& place) {
     if (stride < size)
         FailAt(place, "elements of " + std::to_string(size) + " bytes stand " + std::to_string(stride) +
                           " bytes apart");
     const std::uint64_t needed = count == 0 ? 0 : (count - 1) * stride + size;
     if (offset > bytes.size() || needed > bytes.size() - offset)
-        FailAt(place, std::to_string(count) + " elements need " + std::to_string(needed) + " bytes from byte " +
-                          std::to_string(offset) + " on, the buffer view has " + std::to_string(bytes.size()));
+        FailAt(place, std::to_string(count) + " elements need " + std::to_string(needed) +
+                          " bytes from byte " + std::to_string(offset) + " on, the buffer view has " +
+                          std::to_string(bytes.size()));
     return {bytes.data() + offset, stride, static_cast<std::size_t>(count)};
 }
 
@@ -129,11 +131,13 @@ private:
     }
 
     void CheckCount() const {
-        const std::uint64_t most = accessor_.view == kNone ? gltf_limits::kMostUnbackedElements
-                                                           : gltf_limits::kMostVertices;
+        const std::uint64_t most =
+            accessor_.view == kNone ? gltf_limits::kMostUnbackedElements : gltf_limits::kMostVertices;
         if (accessor_.count > most)
-            FailAt(place_ + "/count", "expected at most " + std::to_string(most) + " elements, found " +
-                                          std::to_string(accessor_.count), LoadFailure::kLimit);
+            FailAt(place_ + "/count",
+                   "expected at most " + std::to_string(most) + " elements, found " +
+                       std::to_string(accessor_.count),
+                   LoadFailure::kLimit);
     }
 
     void PutSparse(std::vector<Result>& numbers, std::uint32_t components, std::size_t size) {

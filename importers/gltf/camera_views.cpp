@@ -7,7 +7,7 @@
 namespace qn::gltf {
 
 void AddCameraViews(const Model& model, const GraphBuilder& builder, k3::Scene& scene) {
-    auto* const binding = Cast<graph::ViewBinding>(&builder.GetTable());
+    auto* const binding = Cast<graph::ViewBinding>(builder.GetTable());
     for (const GraphBuilder::View& view : builder.GetViews()) {
         const Camera& camera = model.cameras[view.camera];
         k3::Viewport* const viewport = scene.CreateViewport(ToText(model, camera.name));

@@ -48,8 +48,7 @@ void DocumentReader::ReadNodes(JsonValue& value) {
              r.RefuseSecond(n.node.childCount == 0);
              n.node.firstChild = static_cast<std::uint32_t>(r.model_.children.size());
              r.ReadIndices(v, r.model_.children, gltf_limits::kMostNodes);
-             n.node.childCount =
-                 static_cast<std::uint32_t>(r.model_.children.size()) - n.node.firstChild;
+             n.node.childCount = static_cast<std::uint32_t>(r.model_.children.size()) - n.node.firstChild;
          }},
         {"camera", [](auto& r, NodeDraft& n, auto& v) { n.node.camera = r.json_.Index(v); }},
         {"extras", [](auto& r, NodeDraft& n, auto& v) { n.node.extras = r.ReadExtras(v); }},
@@ -85,9 +84,9 @@ void DocumentReader::FinishNode(NodeDraft& draft) {
         copy(draft.scale, 7, 3);
         // They were the last numbers that were read, and go where the first of them stood.
         numbers.resize(std::min({draft.translation, draft.rotation, draft.scale}));
-        node.placeKind = PlaceKind::kParts;
+        node.placeKind = draft.scale == kNone ? PlaceKind::kMotion : PlaceKind::kParts;
         node.place = static_cast<std::uint32_t>(numbers.size());
-        numbers.insert(numbers.end(), parts.begin(), parts.end());
+        numbers.insert(numbers.end(), parts.begin(), parts.end() - (draft.scale == kNone ? 3 : 0));
     } else if (draft.translation != kNone) {
         node.placeKind = PlaceKind::kTranslation;
         node.place = draft.translation;

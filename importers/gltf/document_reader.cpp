@@ -40,7 +40,8 @@ void DocumentReader::Read(const char* text, std::size_t length, std::size_t capa
         JsonValue root = document.get_value();
         ReadObject(root, model_, kRows);
         const char* rest = nullptr;
-        if (!document.current_location().get(rest)) json_.Fail("expected the end of the text after its object");
+        if (!document.current_location().get(rest))
+            json_.Fail("expected the end of the text after its object");
     } catch (const simdjson::simdjson_error& error) {
         if (error.error() == simdjson::MEMALLOC) throw std::bad_alloc();
         json_.Fail("the JSON text is damaged" + ByteText(document, text) + ": " +

@@ -19,7 +19,8 @@ std::vector<float> ReadAttribute(const draco::Mesh& mesh, std::uint32_t id, cons
     std::vector<float> numbers(std::size_t{mesh.num_points()} * 3);
     for (std::uint32_t point = 0; point < mesh.num_points(); ++point) {
         std::array<float, 3> value{};
-        if (!attribute->ConvertValue<float, 3>(attribute->mapped_index(draco::PointIndex(point)), value.data()))
+        if (!attribute->ConvertValue<float, 3>(attribute->mapped_index(draco::PointIndex(point)),
+                                               value.data()))
             FailAt(std::string("/attributes/") + name, "the packed attribute cannot be read");
         for (std::size_t i = 0; i < 3; ++i)
             numbers[std::size_t{point} * 3 + i] = value[i];
@@ -40,7 +41,8 @@ UnpackedPrimitive UnpackPrimitive(std::span<const std::uint8_t> packed, std::uin
     const std::unique_ptr<draco::Mesh> mesh = std::move(decoded).value();
     if (mesh->num_points() > gltf_limits::kMostVertices || mesh->num_faces() > gltf_limits::kMostVertices / 3)
         throw GltfError("the packed mesh is larger than " + std::to_string(gltf_limits::kMostVertices) +
-                            " vertices or indices", LoadFailure::kLimit);
+                            " vertices or indices",
+                        LoadFailure::kLimit);
     UnpackedPrimitive result;
     if (positions != kNone) result.positions = ReadAttribute(*mesh, positions, "POSITION");
     if (normals != kNone) result.normals = ReadAttribute(*mesh, normals, "NORMAL");

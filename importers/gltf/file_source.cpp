@@ -16,7 +16,8 @@ namespace {
 
 class OpenedFile final : public FileSource {
 public:
-    explicit OpenedFile(const std::filesystem::path& path) : handle_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    explicit OpenedFile(const std::filesystem::path& path)
+        : handle_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
         if (handle_ < 0) Fail("cannot be opened", errno);
         struct stat status {};
         if (::fstat(handle_, &status) == 0) size_ = static_cast<std::uint64_t>(status.st_size);
@@ -33,7 +34,8 @@ public:
             const ssize_t got = ::pread(handle_, to, std::min(count, kPiece), static_cast<off_t>(offset));
             if (got < 0 && errno == EINTR) continue;
             if (got < 0) Fail("cannot be read", errno);
-            if (got == 0) throw GltfError("the file became shorter while it was read", LoadFailure::kUnreadable);
+            if (got == 0)
+                throw GltfError("the file became shorter while it was read", LoadFailure::kUnreadable);
             to += got, offset += static_cast<std::uint64_t>(got), count -= static_cast<std::size_t>(got);
         }
     }

@@ -11,12 +11,12 @@ namespace {
 
 /// What is read, and what changes nothing in that which is read: looks, lights, pictures, further attributes.
 constexpr std::string_view kKnownExtensions[] = {
-    "EXT_mesh_gpu_instancing",  "EXT_meshopt_compression", "KHR_draco_mesh_compression",
-    "KHR_mesh_quantization",    "EXT_instance_features",   "EXT_mesh_features",
-    "EXT_structural_metadata",  "EXT_texture_webp",        "EXT_texture_avif",
-    "EXT_lights_image_based",   "EXT_lights_ies",          "KHR_animation_pointer",
-    "KHR_lights_punctual",      "KHR_texture_basisu",      "KHR_texture_transform",
-    "KHR_xmp_json_ld",          "MSFT_texture_dds",
+    "EXT_mesh_gpu_instancing", "EXT_meshopt_compression", "KHR_draco_mesh_compression",
+    "KHR_mesh_quantization",   "EXT_instance_features",   "EXT_mesh_features",
+    "EXT_structural_metadata", "EXT_texture_webp",        "EXT_texture_avif",
+    "EXT_lights_image_based",  "EXT_lights_ies",          "KHR_animation_pointer",
+    "KHR_lights_punctual",     "KHR_texture_basisu",      "KHR_texture_transform",
+    "KHR_xmp_json_ld",         "MSFT_texture_dds",
 };
 constexpr std::string_view kMaterialExtensions = "KHR_materials_";
 
@@ -117,8 +117,9 @@ void CountCopies(Model& model) {
         }
         total += copies.count;
         if (total > gltf_limits::kMostNodes)
-            FailAt(place, "nodes and copies together are more than " +
-                              std::to_string(gltf_limits::kMostNodes), LoadFailure::kLimit);
+            FailAt(place,
+                   "nodes and copies together are more than " + std::to_string(gltf_limits::kMostNodes),
+                   LoadFailure::kLimit);
     }
 }
 
@@ -133,7 +134,7 @@ void CheckMeshLinks(const Model& model) {
             CheckLink(primitive.indices, model.accessors, "accessors", place, "/indices");
             CheckLink(primitive.material, model.materials, "materials", place, "/material");
             CheckLink(primitive.dracoView, model.views, "buffer views", place,
-                       "/extensions/KHR_draco_mesh_compression/bufferView");
+                      "/extensions/KHR_draco_mesh_compression/bufferView");
         }
     }
 }
@@ -145,7 +146,7 @@ void CheckDataLinks(const Model& model) {
         if (view.buffer == kNone) FailAt(place() + "/buffer", "expected a buffer, found none");
         CheckLink(view.buffer, model.buffers, "buffers", place, "/buffer");
         CheckLink(view.packedBuffer, model.buffers, "buffers", place,
-                   "/extensions/EXT_meshopt_compression/buffer");
+                  "/extensions/EXT_meshopt_compression/buffer");
     }
     for (std::size_t i = 0; i < model.accessors.size(); ++i) {
         const Accessor& accessor = model.accessors[i];

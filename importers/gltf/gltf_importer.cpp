@@ -34,11 +34,12 @@ public:
         const Document document = ReadDocument(*source);
         if (!context_.ReportProgress(kTextShare)) return false;
         BufferStore store(document.model, *source, document.container, path_.parent_path());
-        GraphBuilder builder(document.model, store, context_);
+        const bool structureOnly = IsStructureOnly(context_);
+        GraphBuilder builder(document.model, store, context_, structureOnly);
         if (!builder.Build(top_.GetName())) return false;
         Warn(builder.GetWarning());
         if (!context_.ReportProgress(kStructureShare)) return false;
-        if (!IsStructureOnly(context_) && !AddMeshes(document.model, store, builder)) return false;
+        if (!structureOnly && !AddMeshes(document.model, store, builder)) return false;
         builder.AttachTo(top_);
         AddCameraViews(document.model, builder, scene_);
         context_.ReportProgress(1);

@@ -26,7 +26,8 @@ struct Text {
 enum class PlaceKind : std::uint8_t {
     kIdentity,
     kTranslation,  ///< 3 numbers
-    kParts,        ///< 10: translation, rotation (x, y, z, w), scale
+    kMotion,       ///< 7: translation, rotation (x, y, z, w)
+    kParts,        ///< 10: translation, rotation, scale
     kMatrix,       ///< 16, column after column, which is row after row where points are rows
 };
 

@@ -27,8 +27,8 @@ std::string DecodePercent(std::string_view text) {
     std::string plain;
     plain.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isCode = text[i] == '%' && i + 2 < text.size() && HexValue(text[i + 1]) >= 0 &&
-                            HexValue(text[i + 2]) >= 0;
+        const bool isCode =
+            text[i] == '%' && i + 2 < text.size() && HexValue(text[i + 1]) >= 0 && HexValue(text[i + 2]) >= 0;
         if (isCode) {
             plain += static_cast<char>(HexValue(text[i + 1]) * 16 + HexValue(text[i + 2]));
             i += 2;
@@ -42,8 +42,7 @@ std::string DecodePercent(std::string_view text) {
 constexpr std::array<std::int8_t, 256> MakeBase64Digits() {
     std::array<std::int8_t, 256> digits{};
     digits.fill(kNoDigit);
-    constexpr std::string_view kLetters =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     for (std::size_t i = 0; i < kLetters.size(); ++i)
         digits[static_cast<unsigned char>(kLetters[i])] = static_cast<std::int8_t>(i);
     digits['-'] = 62, digits['_'] = 63;  // the form for addresses
@@ -75,9 +74,10 @@ std::vector<std::uint8_t> DecodeBase64(std::string_view text) {
 bool HasScheme(std::string_view uri) {
     const std::size_t colon = uri.find(':');
     if (colon == std::string_view::npos || colon == 0) return false;
-    return std::all_of(uri.begin(), uri.begin() + static_cast<std::ptrdiff_t>(colon), [](unsigned char letter) {
-        return std::isalnum(letter) || letter == '+' || letter == '-' || letter == '.';
-    });
+    return std::all_of(uri.begin(), uri.begin() + static_cast<std::ptrdiff_t>(colon),
+                       [](unsigned char letter) {
+                           return std::isalnum(letter) || letter == '+' || letter == '-' || letter == '.';
+                       });
 }
 
 bool IsBelow(const fs::path& path, const fs::path& folder) {
@@ -95,7 +95,8 @@ std::vector<std::uint8_t> DecodeDataUri(std::string_view uri) {
     const std::size_t comma = uri.find(',');
     if (comma == std::string_view::npos) throw GltfError("expected a comma in the data address");
     const std::string_view head = uri.substr(0, comma), body = uri.substr(comma + 1);
-    const bool isBase64 = head.size() >= kBase64.size() && head.substr(head.size() - kBase64.size()) == kBase64;
+    const bool isBase64 =
+        head.size() >= kBase64.size() && head.substr(head.size() - kBase64.size()) == kBase64;
     if (isBase64) return DecodeBase64(body.find('%') == std::string_view::npos ? body : DecodePercent(body));
     const std::string plain = DecodePercent(body);
     return {plain.begin(), plain.end()};

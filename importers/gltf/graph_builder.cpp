@@ -48,8 +48,8 @@ bool GraphBuilder::Build(const String& fileName) {
 
 bool GraphBuilder::BuildFromNodes(const String& fileName) {
     byMesh_.resize(model_.meshes.size());
-    root_ = Made(table_->GetOrCreateReference(String()));
-    root_->SetProperty(Prop::kName, Var(fileName));
+    if (context_.GetOption(0, kInertGenerators, 0)) table_.Reset();
+    root_ = MakeDefinition(fileName);
     root_->SetProperty(Prop::kMetadata, FileMetadata(model_));
     for (const std::uint32_t root : model_.roots) {
         AddNode(root, *root_);
@@ -76,7 +76,7 @@ void GraphBuilder::AddNode(std::uint32_t index, Reference& parent) {
     const Node& node = model_.nodes[index];
     const bool isPlain = IsPlainUse(node);
     Counted<Reference> own;
-    if (!isPlain) own = MakeDefinition(node.name);
+    if (!isPlain) own = MakeDefinition(ToText(model_, node.name));
     Reference& definition = isPlain ? DefinitionOfMesh(node.mesh) : *own;
     const Counted<Instance> use = MakeUse(definition, parent);
     if (node.name.length) use->SetProperty(Prop::kName, Var(ToText(model_, node.name)));
@@ -93,10 +93,7 @@ void GraphBuilder::AddNode(std::uint32_t index, Reference& parent) {
         levels_.push_back({node.firstChild, node.firstChild + node.childCount, &definition});
 }
 
-/// A node without mesh has no copies that could be seen.
-void GraphBuilder::AddCopies(const Node& node, std::uint32_t index, Reference& parent) {
-    if (node.mesh == kNone) return;
-    const Copies& copies = model_.copies[node.copies];
+std::vector<Matrix4<double>> GraphBuilder::PlacesOfCopies(const Copies& copies, const std::string& pointer) {
     const auto read = [&](std::uint32_t accessor, std::uint32_t components) {
         return accessor == kNone ? std::vector<float>() : ReadFloats(store_, model_, accessor, components);
     };
@@ -107,12 +104,29 @@ void GraphBuilder::AddCopies(const Node& node, std::uint32_t index, Reference& p
             out[i] = numbers[copy * count + i];
         return numbers.empty() ? nullptr : out;
     };
-    Reference& mesh = DefinitionOfMesh(node.mesh);
-    for (std::size_t i = 0; i < copies.count; ++i) {
+    std::vector<Matrix4<double>> places(copies.count);
+    for (std::size_t i = 0; i < places.size(); ++i) {
         double translation[3], rotation[4], stretch[3];
-        const Matrix4<double> place =
-            PlaceFromParts(at(translations, i, 3, translation), at(rotations, i, 4, rotation),
-                           at(stretches, i, 3, stretch), scale_, PointerTo("nodes", index));
+        places[i] = PlaceFromParts(at(translations, i, 3, translation), at(rotations, i, 4, rotation),
+                                   at(stretches, i, 3, stretch), scale_, pointer);
+    }
+    return places;
+}
+
+/// A node without mesh has no copies that could be seen.
+void GraphBuilder::AddCopies(const Node& node, std::uint32_t index, Reference& parent) {
+    if (node.mesh == kNone) return;
+    const Copies& copies = model_.copies[node.copies];
+    std::vector<Matrix4<double>> places;
+    try {
+        places = PlacesOfCopies(copies, PointerTo("nodes", index));
+    } catch (const GltfError& error) {
+        if (!structureOnly_) throw;
+        warning_ = std::string("the places of copies are not known: ") + error.what();
+        places.resize(copies.count);
+    }
+    Reference& mesh = DefinitionOfMesh(node.mesh);
+    for (const Matrix4<double>& place : places) {
         const Counted<Instance> use = MakeUse(mesh, parent);
         if (place != Matrix4<double>()) use->SetProperty(Prop::kLocalMatrix, Var(place));
     }
@@ -121,16 +135,17 @@ void GraphBuilder::AddCopies(const Node& node, std::uint32_t index, Reference& p
 Reference& GraphBuilder::DefinitionOfMesh(std::uint32_t mesh) {
     Counted<Reference>& definition = byMesh_[mesh];
     if (definition) return *definition;
-    definition = MakeDefinition(model_.meshes[mesh].name);
+    definition = MakeDefinition(ToText(model_, model_.meshes[mesh].name));
     if (const Var metadata = MetadataOf(model_.ExtrasAt(model_.meshes[mesh].extras)); metadata.IsSet())
         definition->SetProperty(Prop::kMetadata, metadata);
     shown_.push_back({definition, mesh});
     return *definition;
 }
 
-Counted<Reference> GraphBuilder::MakeDefinition(Text name) {
-    auto definition = Made(table_->GetOrCreateReference(String()));
-    if (name.length) definition->SetProperty(Prop::kName, Var(ToText(model_, name)));
+Counted<Reference> GraphBuilder::MakeDefinition(const String& name) {
+    auto definition = Made(table_ ? table_->GetOrCreateReference(String())
+                                  : CreateAs<Reference>(graph::ClassKey::kReference));
+    if (name.NonEmpty()) definition->SetProperty(Prop::kName, Var(name));
     return definition;
 }
 
@@ -141,8 +156,7 @@ Counted<Instance> GraphBuilder::MakeUse(Reference& definition, Reference& parent
 }
 
 void GraphBuilder::AttachTo(k3::Node& top) {
-    const auto generator =
-        Made(CreateAs<graph::HierarchyGenerator>(graph::ClassKey::kHierarchyGenerator));
+    const auto generator = Made(CreateAs<graph::HierarchyGenerator>(graph::ClassKey::kHierarchyGenerator));
     if (!top_) top_ = Made(root_->CreateInstanceWithId(String()));
     graph::Selector selector;
     selector.AppendPathElement(top_.Get());

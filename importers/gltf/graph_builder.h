@@ -16,14 +16,17 @@ namespace qn::gltf {
 
 /// Turns a checked model into definitions and uses of the host's graph, in one table.
 ///
-/// A mesh is a definition, and each node that shows it and has nothing else is a use of it. Every other node is
-/// a definition of its own, used once: groups, empty nodes, those with a camera, and those with a mesh and
-/// children, whose definition has the mesh as its content. Copies of a node are uses of its mesh inside of it.
-/// The roots stand in a container. A file of our own that says what its nodes stand for gives that instead.
+/// A mesh is a definition, and each node that shows it and has nothing else is a use of it. Every other node
+/// is a definition of its own, used once: groups, empty nodes, those with a camera, and those with a mesh and
+/// children, whose definition has the mesh as its content. Copies of a node are uses of its mesh inside of
+/// it. The roots stand in a container. A file of our own that says what its nodes stand for gives that
+/// instead. Under the option `kInertGenerators` there is no table, and elements have no local ids.
 class GraphBuilder {
 public:
-    GraphBuilder(const Model& model, BufferStore& store, Context& context)
-        : model_(model), store_(store), context_(context) {}
+    /// With `structureOnly` the places of copies are told, not demanded: without their bytes copies stand
+    /// where their node does.
+    GraphBuilder(const Model& model, BufferStore& store, Context& context, bool structureOnly)
+        : model_(model), store_(store), context_(context), structureOnly_(structureOnly) {}
 
     /// False if the user stopped it. Throws GltfError; kDefect if the classes of the graph cannot be made.
     bool Build(const String& fileName);
@@ -42,7 +45,8 @@ public:
         std::uint32_t camera;
     };
     const std::vector<View>& GetViews() const { return views_; }
-    graph::LookupTable& GetTable() const { return *table_; }
+    /// Null where only definitions and uses are wanted.
+    graph::LookupTable* GetTable() const { return table_.Get(); }
     /// Millimetres of a unit of the file.
     double GetScale() const { return scale_; }
     /// What the user should know; empty if nothing.
@@ -51,9 +55,11 @@ public:
 private:
     bool BuildFromNodes(const String& fileName);
     void AddNode(std::uint32_t index, graph::Reference& parent);
+    /// One matrix for each copy.
+    std::vector<Matrix4<double>> PlacesOfCopies(const Copies& copies, const std::string& pointer);
     void AddCopies(const Node& node, std::uint32_t index, graph::Reference& parent);
     graph::Reference& DefinitionOfMesh(std::uint32_t mesh);
-    Counted<graph::Reference> MakeDefinition(Text name);
+    Counted<graph::Reference> MakeDefinition(const String& name);
     Counted<graph::Instance> MakeUse(graph::Reference& definition, graph::Reference& parent);
     bool Reports();
 
@@ -67,6 +73,7 @@ private:
     const Model& model_;
     BufferStore& store_;
     Context& context_;
+    bool structureOnly_;
     Counted<graph::LookupTable> table_;
     Counted<graph::Reference> root_;
     Counted<graph::Instance> top_;

@@ -85,8 +85,7 @@ std::string_view JsonReader::String(JsonValue& value) {
 Var JsonReader::NumberAny(JsonValue& value) {
     std::int64_t whole = 0;
     if (value.get_int64().get(whole)) return Var(Number(value));
-    const bool isSmall =
-        whole >= std::numeric_limits<int>::min() && whole <= std::numeric_limits<int>::max();
+    const bool isSmall = whole >= std::numeric_limits<int>::min() && whole <= std::numeric_limits<int>::max();
     return isSmall ? Var(static_cast<int>(whole)) : Var(whole);
 }
 
@@ -107,7 +106,8 @@ Var JsonReader::AnyAt(JsonValue& value, int depth) {
         }
         case od::json_type::array: {
             const auto array = VarArray::Create();
-            Elements(value, [&](std::uint64_t, JsonValue& element) { array->Add(AnyAt(element, depth + 1)); });
+            Elements(value,
+                     [&](std::uint64_t, JsonValue& element) { array->Add(AnyAt(element, depth + 1)); });
             return Var(array);
         }
         case od::json_type::number:

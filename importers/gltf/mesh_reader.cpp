@@ -33,15 +33,17 @@ std::vector<std::uint32_t> ToTriangles(std::vector<std::uint32_t> corners, int m
 /// Puts the primitives of one mesh together.
 class MeshBuilder {
 public:
-    MeshBuilder(const Model& model, BufferStore& store, double scale) : model_(model), store_(store), scale_(scale) {}
+    MeshBuilder(const Model& model, BufferStore& store, double scale)
+        : model_(model), store_(store), scale_(scale) {}
 
     void Add(const Primitive& primitive, std::uint32_t slot, const std::string& place) {
         std::vector<std::uint32_t> corners;
-        const std::uint32_t base =
-            primitive.dracoView == kNone ? AddPlain(primitive, corners) : AddPacked(primitive, corners, place);
+        const std::uint32_t base = primitive.dracoView == kNone ? AddPlain(primitive, corners)
+                                                                : AddPacked(primitive, corners, place);
         corners = ToTriangles(std::move(corners), primitive.mode);
         if (corners.size() % 3 != 0)
-            FailAt(place, "expected three corners for each triangle, found " + std::to_string(corners.size()));
+            FailAt(place,
+                   "expected three corners for each triangle, found " + std::to_string(corners.size()));
         CheckSize(indices_.size() + corners.size(), place);
         const std::uint32_t vertices = VertexCount() - base;
         const auto first = static_cast<std::uint32_t>(indices_.size());
@@ -70,8 +72,10 @@ private:
 
     static void CheckSize(std::size_t count, const std::string& place) {
         if (count > gltf_limits::kMostVertices)
-            FailAt(place, "the mesh has more than " + std::to_string(gltf_limits::kMostVertices) +
-                              " vertices or corners", LoadFailure::kLimit);
+            FailAt(place,
+                   "the mesh has more than " + std::to_string(gltf_limits::kMostVertices) +
+                       " vertices or corners",
+                   LoadFailure::kLimit);
     }
 
     /// Vertices that primitives share are stored once. Gives the number of the first.

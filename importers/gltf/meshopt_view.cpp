@@ -60,8 +60,8 @@ constexpr Filter kFilters[] = {
 
 template <class Row, std::size_t N>
 const Row& Find(const Row (&rows)[N], const std::string& name, const char* member) {
-    const auto found = std::find_if(std::begin(rows), std::end(rows),
-                                    [&](const Row& row) { return row.name == name; });
+    const auto found =
+        std::find_if(std::begin(rows), std::end(rows), [&](const Row& row) { return row.name == name; });
     if (found == std::end(rows)) FailAt(member, "\"" + name + "\" is not known");
     return *found;
 }
@@ -73,7 +73,8 @@ std::vector<std::uint8_t> UnpackView(const BufferView& view, std::span<const std
     const Filter& filter = Find(kFilters, view.packedFilter, "/filter");
     if (!mode.accepts(view))
         throw GltfError("elements of " + std::to_string(view.packedStride) + " bytes, " +
-                        std::to_string(view.packedCount) + " of them, do not fit the mode " + view.packedMode);
+                        std::to_string(view.packedCount) + " of them, do not fit the mode " +
+                        view.packedMode);
     const bool fits = filter.strides[0] == 0 || view.packedStride == filter.strides[0] ||
                       view.packedStride == filter.strides[1];
     if (filter.apply && (!fits || mode.name != "ATTRIBUTES"))

@@ -63,6 +63,9 @@ bool PlaceOf(const Model& model, std::uint32_t index, double scale, Matrix4<doub
         case PlaceKind::kTranslation:
             out = Matrix4<double>::Translation(numbers[0] * scale, numbers[1] * scale, numbers[2] * scale);
             break;
+        case PlaceKind::kMotion:
+            out = PlaceFromParts(numbers, numbers + 3, nullptr, scale, PointerTo("nodes", index));
+            break;
         case PlaceKind::kParts:
             out = PlaceFromParts(numbers, numbers + 3, numbers + 7, scale, PointerTo("nodes", index));
             break;
