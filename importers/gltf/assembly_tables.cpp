@@ -56,6 +56,8 @@ std::size_t NumbersOf(PlaceKind kind) {
             return 0;
         case PlaceKind::kTranslation:
             return 3;
+        case PlaceKind::kMotion:
+            return 7;
         case PlaceKind::kParts:
             return 10;
         case PlaceKind::kMatrix:
