@@ -82,7 +82,7 @@ function(assembly_tests name)
         target_precompile_headers(${target} REUSE_FROM test_pch)
     endif()
     # The loaded modules and the tool are run, not linked; only these programs do so.
-    if(name MATCHES "^(exchange|frame|importers|roads|tool)$")
+    if(name MATCHES "^(frame|importers|roads|tool)$")
         foreach(loaded IN ITEMS assembly exchange step_importer gltf_importer assembly_tool make_samples)
             if(TARGET ${loaded})
                 add_dependencies(${target} ${loaded})

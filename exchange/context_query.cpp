@@ -4,6 +4,7 @@
 #include "exchange/limits.h"
 #include "frame/host/collections.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 namespace qn::exchange {
@@ -15,6 +16,11 @@ constexpr const wchar_t* kVersion = L"1";
 constexpr const wchar_t* kValue = L"value";
 constexpr int kPathsEntry = 0;
 constexpr int kIdsEntry = 1;
+
+bool HasControlLetters(const String& text) {
+    const std::wstring_view letters = text.View();
+    return std::any_of(letters.begin(), letters.end(), [](wchar_t letter) { return letter < L' '; });
+}
 
 /// A list of the document.
 struct ListRow {
@@ -66,7 +72,8 @@ private:
         const xml::Attribute* attribute = entry.FindAttribute(kValue);
         const String value = attribute ? attribute->GetValue() : String();
         if (value.IsEmpty()) return Refuse(String(L"an element \"") + row.entry + L"\" has no value");
-        if (static_cast<std::size_t>(value.Length()) > exchange_limits::kLongestId)
+        if (HasControlLetters(value)) return Refuse(L"a value has control characters");
+        if (!IsStorableId(value))
             return Refuse(L"a value is longer than " + Number(exchange_limits::kLongestId) + L" letters",
                           true);
         if (++count_ > exchange_limits::kMostEntries)
@@ -93,14 +100,8 @@ std::string_view EscapeOf(char letter) {
             return "&gt;";
         case '"':
             return "&quot;";
-        case '\t':
-            return "&#9;";
-        case '\n':
-            return "&#10;";
-        case '\r':
-            return "&#13;";
         default:
-            return static_cast<unsigned char>(letter) < ' ' ? "?" : std::string_view();
+            return {};
     }
 }
 
@@ -128,6 +129,11 @@ Var KeysOf(const std::vector<String>& values) {
 }
 
 }  // namespace
+
+bool IsStorableId(const String& text) {
+    const bool fits = static_cast<std::size_t>(text.Length()) <= exchange_limits::kLongestId;
+    return text.NonEmpty() && fits && !HasControlLetters(text);
+}
 
 bool ParseContextQuery(std::string_view text, ContextQuery& query, ReadProblem& problem) {
     query = {};

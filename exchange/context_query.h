@@ -23,9 +23,13 @@ struct ReadProblem {
     bool isLimit = false;
 };
 
+/// Whether the files of this folder can hold the text as an id: it is not empty, not longer than the limit
+/// and has no control characters.
+bool IsStorableId(const String& text);
+
 /// Reads the XML text of a query. False, and the query empty, if it cannot be used.
 bool ParseContextQuery(std::string_view text, ContextQuery& query, ReadProblem& problem);
-/// The XML text of a query, UTF-8. Characters that XML cannot hold become "?".
+/// The XML text of a query, UTF-8. Expects storable ids.
 std::string FormatContextQuery(const ContextQuery& query);
 
 /// The value of context parameter 0xa7: 0 a map of paths, 1 a map of ids.

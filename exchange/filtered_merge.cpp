@@ -3,7 +3,6 @@
 #include "engine/scene/generated_content.h"
 #include "engine/scene/tree_walk.h"
 #include "frame/host/api.h"
-#include "frame/host/generator.h"
 #include "graph/instance.h"
 #include "graph/lookup_table.h"
 
@@ -72,7 +71,7 @@ struct Verdict {
     k3::Node* node;
     std::size_t parent;
     bool isWanted;  ///< with everything below it
-    bool stays;     ///< wanted, or above something wanted
+    bool isShown;   ///< wanted, or above something wanted
 };
 
 /// Parents first; the top's parent is the top.
@@ -87,28 +86,20 @@ std::vector<Verdict> Judge(k3::Node& top, const Filter& filter) {
         verdicts.push_back({node, parent, isWanted, isWanted});
     }
     for (std::size_t i = verdicts.size(); i-- > 1;)
-        if (verdicts[i].stays) verdicts[verdicts[i].parent].stays = true;
+        if (verdicts[i].isShown) verdicts[verdicts[i].parent].isShown = true;
     return verdicts;
 }
 
-/// Takes out what does not stay. A generator above a gap would fill it again, so it goes, too.
-void Thin(const std::vector<Verdict>& verdicts) {
-    for (const Verdict& verdict : verdicts)
-        if (verdict.stays && !verdict.isWanted) k3::Generator::Detach(verdict.node);
-    for (std::size_t i = 1; i < verdicts.size(); ++i) {
-        const Verdict& parent = verdicts[verdicts[i].parent];
-        if (!verdicts[i].stays && parent.stays) parent.node->_RemoveChild(verdicts[i].node, true);
-    }
-}
-
-/// False if nothing of the top's tree stays.
-bool KeepWanted(k3::Scene& scene, k3::Node& top, const Filter& filter) {
+/// Hides what is not wanted; removed from the tree it would break the hierarchy, which counts its uses.
+/// False, with the top gone, if nothing is wanted.
+bool ShowWanted(k3::Scene& scene, k3::Node& top, const Filter& filter) {
     const std::vector<Verdict> verdicts = Judge(top, filter);
-    if (!verdicts.front().stays) {
+    if (!verdicts.front().isShown) {
         scene._RemoveChild(&top, true);
         return false;
     }
-    Thin(verdicts);
+    for (const Verdict& verdict : verdicts)
+        if (!verdict.isShown) verdict.node->SetVisible(0);
     return true;
 }
 
@@ -124,7 +115,7 @@ bool MergePart(k3::Scene& scene, const String& file, Context& context) {
         return false;
     }
     views.Delete(top.Get());
-    if (!KeepWanted(scene, *top, filter))
+    if (!ShowWanted(scene, *top, filter))
         context.ReportMessage(MessageInfo(kMessageLevel), file + L": the query wants nothing of this file");
     return true;
 }

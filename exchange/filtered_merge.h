@@ -5,11 +5,11 @@
 
 namespace qn::exchange {
 
-/// Adds the part of a file that the context's filter (parameter 0xa7) wants to the scene, as one top-level
-/// node; all of it without a filter. An occurrence is wanted if the filter names the server id of its node or
-/// of its instance; it then comes with everything below it, and with the nodes above it. Nothing else of the
-/// file stays, no view of it either. False with the cause in the context, and the scene as it was, if the
-/// file cannot be loaded. A file without anything wanted adds nothing and is told.
+/// Adds a file to the scene as one top-level node. Under a filter in the context (parameter 0xa7) only a part
+/// of it shows: an occurrence is wanted if the filter names the server id of its node or of its instance; it
+/// then shows with everything below it and the nodes above it. All other occurrences are hidden, and no view
+/// of the file stays. A file without anything wanted adds nothing and is told. False with the cause in the
+/// context, and the scene as it was, if the file cannot be loaded.
 bool MergeWanted(k3::Scene& scene, const String& file, Context& context);
 
 }  // namespace qn::exchange

@@ -10,12 +10,12 @@
 namespace qn::exchange {
 namespace {
 
-/// A list without doubles.
+/// A list without doubles, and without ids that a query cannot hold.
 class TextList {
 public:
     explicit TextList(std::vector<String>& values) : values_(values) {}
     void Add(const String& text) {
-        if (text.NonEmpty() && known_.insert(text).second) values_.push_back(text);
+        if (IsStorableId(text) && known_.insert(text).second) values_.push_back(text);
     }
     bool Has(const String& text) const { return known_.count(text) != 0; }
 

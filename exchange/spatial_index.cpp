@@ -36,6 +36,10 @@ bool ParseNumber(std::string_view text, double& out) {
     return error == std::errc() && end == text.data() + text.size() && std::isfinite(out);
 }
 
+bool IsTooLong(const String& text) {
+    return static_cast<std::size_t>(text.Length()) > exchange_limits::kLongestId;
+}
+
 /// Null, or what is wrong with the line.
 const wchar_t* ParseEntry(std::string_view line, IndexEntry& entry) {
     std::array<double, kNumbers> numbers{};
@@ -47,12 +51,9 @@ const wchar_t* ParseEntry(std::string_view line, IndexEntry& entry) {
     entry.box.AddPoint({numbers[3], numbers[4], numbers[5]});
     entry.id = String::FromUtf8(TakeField(line));
     entry.path = String::FromUtf8(TakeField(line));
+    for (const String& text : {entry.id, entry.path})
+        if (text.NonEmpty() && !IsStorableId(text) && !IsTooLong(text)) return L"control characters in an id";
     return entry.id.IsEmpty() && entry.path.IsEmpty() ? L"an id or a path was expected" : nullptr;
-}
-
-bool IsTooLong(const IndexEntry& entry) {
-    const auto longest = static_cast<int>(exchange_limits::kLongestId);
-    return entry.id.Length() > longest || entry.path.Length() > longest;
 }
 
 /// Null, or what is wrong with the line.
@@ -74,15 +75,9 @@ String AtLine(std::size_t number, const wchar_t* what) {
     return text;
 }
 
-bool IsWritable(const String& id) {
-    const std::wstring_view letters = id.View();
-    return std::none_of(letters.begin(), letters.end(), [](wchar_t letter) { return letter < L' '; });
-}
-
 String IdText(const Var& value) {
     const String text = value.ToText();
-    const bool fits = static_cast<std::size_t>(text.Length()) <= exchange_limits::kLongestId;
-    return fits && IsWritable(text) ? text : String();
+    return IsStorableId(text) ? text : String();
 }
 
 void AppendNumber(std::string& text, double value) {
@@ -108,7 +103,8 @@ bool ParseSpatialIndex(std::string_view text, SpatialIndex& index, ReadProblem& 
             return false;
         }
         const bool isTooMuch = read.entries.size() > exchange_limits::kMostEntries;
-        if (isTooMuch || (!read.entries.empty() && IsTooLong(read.entries.back()))) {
+        const IndexEntry* last = read.entries.empty() ? nullptr : &read.entries.back();
+        if (isTooMuch || (last && (IsTooLong(last->id) || IsTooLong(last->path)))) {
             problem = {AtLine(number, isTooMuch ? L"too many entries" : L"an id is too long"), true};
             return false;
         }

@@ -1,6 +1,5 @@
 #include "exchange/value_writer.h"
 
-#include "exchange/limits.h"
 #include "frame/host/collections.h"
 
 #include <unordered_set>
@@ -86,9 +85,6 @@ struct ValueWriter::Walk {
         }
     }
 };
-
-ValueWriter::ValueWriter(JsonWriter& json, TextBlobs* blobs)
-    : json_(json), blobs_(blobs), left_(exchange_limits::kMostValues) {}
 
 void ValueWriter::Write(const Var& value) {
     Walk{*this, {}, {}}.Run(value);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "exchange/json_writer.h"
+#include "exchange/limits.h"
 #include "exchange/text_blobs.h"
 #include "frame/host/var.h"
 
@@ -14,7 +15,8 @@ namespace qn::exchange {
 class ValueWriter {
 public:
     /// Long texts go to `blobs`; without it they stay in place. Both are borrowed.
-    ValueWriter(JsonWriter& json, TextBlobs* blobs);
+    ValueWriter(JsonWriter& json, TextBlobs* blobs, std::uint64_t mostValues = exchange_limits::kMostValues)
+        : json_(json), blobs_(blobs), left_(mostValues) {}
 
     void Write(const Var& value);
     /// Writes the field unless the value is empty.

@@ -1,4 +1,5 @@
 #include "engine/stream/limits.h"
+#include "exchange/limits.h"
 #include "graph/limits.h"
 #include "tool/named_files.h"
 #include "tool/terminal.h"
@@ -12,6 +13,7 @@ namespace assembly::tool {
 namespace {
 
 namespace scene = qn::scene_file_limits;
+namespace exchange = qn::exchange_limits;
 
 constexpr const char* kDescription =
     "Examples:\n"
@@ -38,6 +40,10 @@ constexpr Limit kLimits[] = {
     {"scene_file_object_bytes", scene::kLargestBody, "bytes of one object"},
     {"scene_file_ratio", scene::kLargestRatio, "unpacked size of a block to its stored size"},
     {"scene_file_chunk_levels", scene::kDeepestChunk, "chunks nested in one object"},
+    {"exchange_file_bytes", exchange::kLargestFile, "size of a query or a spatial index"},
+    {"exchange_entries", exchange::kMostEntries, "entries of a query or a spatial index"},
+    {"exchange_id_length", exchange::kLongestId, "letters of an id in them"},
+    {"exchange_values", exchange::kMostValues, "metadata values in one export"},
 };
 
 void WriteJson(Output& output) {

@@ -57,13 +57,14 @@ public:
 /// Knows which part of a file is wanted (its visual context) and brings that part into a scene.
 class VisualContextResolver : public Extension {
 public:
-    /// Writes the query that describes the whole of a file.
+    /// Writes a query: for what the index has near the file's content, or without index for all of the file.
     virtual bool Extract(const String& sourceFile, const String& spatialIndexFile, const String& outputFile,
                          Context* context) = 0;
     /// Merges the files of an array of texts into the scene, under the filter of the context (parameter
     /// 0xa7).
     virtual bool Merge(const Var& files, k3::Scene* scene, Context* context) = 0;
-    /// The filter that a query file asks for, in the form of context parameter 0xa7; empty on failure.
+    /// The filter that a query file asks for, in the form of context parameter 0xa7; on failure one that wants
+    /// nothing.
     virtual Var ReadFilter(const String& queryFile, Context* context) = 0;
 
     static const ClassRecord& StaticClass() {

@@ -56,7 +56,7 @@ def allowed_areas(area):
     if area == "exporters":
         return {CONTRACT, "engine", "exporters", "graph", "importers"}
     if area == "tool":
-        return {CONTRACT, "tool", "engine", "exporters"} | set(LAYERS)
+        return {CONTRACT, "tool", "engine", "exchange", "exporters"} | set(LAYERS)
     return None
 
 
