@@ -1,10 +1,12 @@
 #include "tool/failure.h"
+#include "tool/help.h"
 #include "tool/verbs.h"
 #include "tool/version.h"
 
 #include <locale.h>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <string>
 
 namespace {
@@ -52,10 +54,13 @@ int main(int argc, char** argv) {
     assembly::tool::AddRepair(app);
     assembly::tool::AddDeps(app);
     assembly::tool::AddParts(app);
+    assembly::tool::AddBom(app);
+    assembly::tool::AddEffectivity(app);
     assembly::tool::AddOps(app);
     assembly::tool::AddRun(app);
     assembly::tool::AddModule(app);
     assembly::tool::AddLimits(app);
+    app.formatter(std::make_shared<assembly::tool::HelpFormatter>());
     try {
         app.parse(argc, argv);
         return ToInt(ExitCode::kFine);

@@ -25,6 +25,12 @@ TEST(Usage, HelpNamesEveryVerbAndAnswersZero) {
     EXPECT_TRUE(Contains(run.out, "Exit codes"));
 }
 
+TEST(Usage, HelpGivesEachVerbOneLine) {
+    const ToolRun run = RunTool({"--help"});
+    EXPECT_FALSE(Contains(run.out, "Examples:"));
+    EXPECT_TRUE(Contains(run.out, "\n  limits       A file beyond one of these limits is refused")) << run.out;
+}
+
 TEST(Usage, HelpOfAVerbShowsExamplesFirst) {
     for (const char* verb : {"show", "stats", "convert", "module", "limits"}) {
         const ToolRun run = RunTool({verb, "--help"});
@@ -100,6 +106,22 @@ TEST(Usage, FileNamesOutsideAsciiWork) {
     WriteAll(step, ReadAll(kLantern));
     ASSERT_EQ(RunTool({"convert", "--structure-only", step, scene}).exitCode, 0);
     EXPECT_EQ(RunTool({"show", scene}).out, RunTool({"show", kLantern}).out);
+}
+
+TEST(Usage, ProgressIsToldInJsonWhereAsked) {
+    const TemporaryFolder folder;
+    const std::vector<std::vector<std::string>> kCalls = {
+        {"show", kLantern},
+        {"stats", kLantern},
+        {"parts", kLantern},
+        {"convert", "--structure-only", kLantern, folder.File("lantern.qn")}};
+    for (std::vector<std::string> call : kCalls) {
+        EXPECT_TRUE(RunTool(call).err.empty()) << call[0];
+        call.insert(call.end(), {"--progress", "json"});
+        const ToolRun run = RunTool(call);
+        EXPECT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_TRUE(json::parse(run.err.substr(0, run.err.find('\n'))).contains("progress")) << run.err;
+    }
 }
 
 TEST(Show, PrintsTheTreeWithNamesOutsideAsciiAndUses) {
