@@ -11,9 +11,10 @@
 namespace qn {
 namespace {
 
-/// A module that its record names for the class is loaded now, when the class is first asked for.
+/// A module that its record names for the class is loaded now, when the class is first asked for. No record
+/// counts where a loaded module has registered the class.
 Counted<Interface> CreateFromUnloadedModule(const char* key) {
-    const ModuleRecord* known = KnownModules().Find(key);
+    const ModuleRecord* known = Modules().Knows(key) ? nullptr : KnownModules().Find(key);
     if (!known || !LoadModuleFile(String::FromUtf8(known->modulePath), nullptr)) return {};
     return Modules().Create(key);
 }

@@ -32,6 +32,10 @@ const LoadedModule* ModuleTable::Find(ModuleHandle handle) const {
     return found == modules_.end() ? nullptr : &*found;
 }
 
+bool ModuleTable::Knows(const char* key) const {
+    return rowsOfKey_.find(std::string_view(key)) != rowsOfKey_.end();
+}
+
 Counted<Interface> ModuleTable::Create(const char* key) const {
     const auto rows = rowsOfKey_.find(std::string_view(key));
     if (rows == rowsOfKey_.end()) return {};

@@ -46,6 +46,8 @@ public:
     const std::vector<ExtensionRow>& Extensions() const { return extensions_; }
     /// The module of that handle, or null; valid until the table changes.
     const LoadedModule* Find(ModuleHandle handle) const;
+    /// Whether a module registered the key (case does not matter), even if it makes nothing.
+    bool Knows(const char* key) const;
     /// The new object of the first module that registered the key (case does not matter) and makes one; null
     /// if none.
     Counted<Interface> Create(const char* key) const;

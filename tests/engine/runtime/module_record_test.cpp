@@ -2,6 +2,7 @@
 
 #include "engine/runtime/module_folder.h"
 #include "frame/host/api.h"
+#include "tests/support/static_module.h"
 #include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -75,6 +76,15 @@ TEST(ModuleRecords, GiveNoObjectIfTheModuleIsMissing) {
     EXPECT_FALSE(api->Create("k.missing"));
     SetModuleFolder(String());
     EXPECT_EQ(ModuleFolder(), before);
+}
+
+Interface* MakeNothing() {
+    return nullptr;
+}
+
+TEST(ModuleRecords, DoNotCountForAClassThatALoadedModuleRefusesToMake) {
+    const test::StaticModule module({{"qn.qfxml.mbomexporter", &MakeNothing}});
+    EXPECT_FALSE(api->Create("qn.qfxml.mbomexporter"));
 }
 
 }  // namespace
