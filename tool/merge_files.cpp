@@ -71,8 +71,12 @@ public:
     Binding(const Binding&) = delete;
     Binding& operator=(const Binding&) = delete;
 
+    /// What the root of the file stands for.
+    const Var& GetTarget() const { return target_; }
+
 private:
     qn::ContextImpl& context_;
+    Var target_;
 };
 
 /// The mark of a definition that stands around the roots of a file goes: here it stands for the naming
@@ -150,16 +154,18 @@ private:
         if (auto* table = definition.GetLookupTable())
             table->SetSceneAndContext(&scene_, &session_.GetContext());
         definition.SetTarget(Var(String::FromUtf8(files_.files[file].shown)));
-        {
-            const Binding binding(scene_, session_.GetContext());
-            definition.ReloadExternalTarget();
-        }
+        const Binding binding(scene_, session_.GetContext());
+        definition.ReloadExternalTarget();
         if (session_.GetContext().GetFailure() != qn::LoadFailure::kNone)
             throw Failure(CodeOf(session_.GetContext().GetFailure()),
                           session_.FailureText(files_.files[file].shown, "could not be loaded") + " (" +
                               files_.ChainTo(file) + ")");
         Counted<Reference> result(use && use->GetReference() ? use->GetReference() : &definition);
         KeepIdentity(*result, name);
+        if (binding.GetTarget().IsText()) {  // the load took the name off a root that names a file itself
+            result->SetTarget(binding.GetTarget());
+            pending_.push_back({result, file});
+        }
         return result;
     }
 

@@ -34,6 +34,25 @@ TEST_F(FileBinding, AnEmptyFileNameIsConsumed) {
     EXPECT_TRUE(reference->GetTarget().IsEmpty());
 }
 
+TEST_F(FileBinding, AFileNameIsConsumedThoughNothingCouldBeLoaded) {
+    const auto reference = MakeReference(table.Get());
+    reference->SetTarget(Var(SaveFile()));
+    table->SetSceneAndContext(nullptr, nullptr);
+    EXPECT_FALSE(table->LoadExternalReference(reference.Get(), Var(), L"e1"));
+    EXPECT_TRUE(reference->GetTarget().IsEmpty());
+}
+
+TEST_F(FileBinding, TheNameOfAMissingFileStaysWhereAnotherDefinitionTakesItsPlace) {
+    const auto reference = MakeReference(table.Get());
+    const Var name(folder.File("missing.qn"));
+    reference->SetTarget(name);
+    const auto loaded = table->LoadExternalReference(reference.Get(), Var(), L"another");
+    ASSERT_TRUE(loaded);
+    EXPECT_NE(loaded.Get(), reference.Get());
+    EXPECT_TRUE(loaded->GetTarget().IsEmpty());
+    EXPECT_EQ(reference->GetTarget(), name);
+}
+
 TEST_F(FileBinding, TheFileNameOfALoadedReferenceIsConsumed) {
     FillWithHierarchy();
     part->SetTarget(Var(L"inner.qn"));
@@ -123,6 +142,19 @@ TEST_F(FileBinding, ReloadingMovesTheUsesToTheReferenceThatTheLoadGave) {
     reference->ReloadExternalTarget();
     EXPECT_EQ(use->GetReference(), present.Get());
     EXPECT_EQ(present->GetInstanceCount(), 1);
+}
+
+TEST_F(FileBinding, AReloadThatBringsNothingLetsNoLaterLoadFillTheReference) {
+    FillWithHierarchy();
+    part->SetProperty(Prop::kBsId, Var(L"s:1"));
+    const auto reference = table->GetOrCreateBsReference(L"other", L"s:1");
+    for (const String& name : {String(), folder.File("missing.qn")}) {
+        reference->SetTarget(Var(name));
+        reference->ReloadExternalTarget();
+    }
+    const auto loaded = Load(SaveFile(), L"part");
+    EXPECT_EQ(loaded, reference.Get());
+    EXPECT_EQ(loaded->GetChildCount(), 0);
 }
 
 TEST_F(FileBinding, OnlyAFileNameIsReloaded) {

@@ -18,6 +18,8 @@ using nlohmann::json;
 struct StepFile {
     const char* folder;
     const char* name;
+    const char* expected = nullptr;  ///< name of what was found, if it is not that of the file
+    bool isFollowed = false;         ///< with the files that it names
 };
 
 constexpr StepFile kFiles[] = {
@@ -25,6 +27,7 @@ constexpr StepFile kFiles[] = {
     {"cax-as1", "as1-tu-203.stp"},
     {"cax-dm1", "dm1-id-214.stp"},
     {"cax-s1-external", "s1-c5-214.stp"},
+    {"cax-s1-external", "s1-c5-214.stp", "s1-c5-214.followed", true},
     {"klicky-probe", "KlickyProbe-2021-05-12.step"},
     {"klicky-probe", "KlickyProbe-2021-05-21.step"},
     {"seedmint", "SeedMint-2021-06-17.step"},
@@ -43,16 +46,22 @@ constexpr StepFile kFiles[] = {
 };
 
 void PrintTo(const StepFile& file, std::ostream* out) {
-    *out << file.name;
+    *out << file.name << (file.isFollowed ? " with its files" : "");
 }
 
 class StepFiles : public testing::TestWithParam<StepFile> {
 protected:
     void SetUp() override {
         if (DataFolder().empty()) GTEST_SKIP() << "the data folder is not there";
-        expected_ = json::parse(
-            ReadAll((DataFolder() / "expected" / (std::string(GetParam().name) + ".json")).string()));
+        const std::string name = GetParam().expected ? GetParam().expected : GetParam().name;
+        expected_ = json::parse(ReadAll((DataFolder() / "expected" / (name + ".json")).string()));
     }
+    /// The words of a call, with what asks for the files that this one names.
+    static std::vector<std::string> Call(std::vector<std::string> words) {
+        if (GetParam().isFollowed) words.insert(words.end(), {"--load", "all"});
+        return words;
+    }
+    static json Shown() { return ToolJson(Call({"show", "--format", "json", File()})); }
     static std::string File() { return (DataFolder() / GetParam().folder / GetParam().name).string(); }
     static std::string DefinitionName(const json& shown, const json& element) {
         return shown["definitions"][element["definition"].get<std::size_t>()]["name"];
@@ -86,7 +95,7 @@ std::string Joined(const std::vector<std::string>& lines) {
 }
 
 TEST_P(StepFiles, AreCountedAsTheirTextStates) {
-    const json stats = ToolJson({"stats", "--format", "json", File()});
+    const json stats = ToolJson(Call({"stats", "--format", "json", File()}));
     EXPECT_EQ(stats["definitions"], expected_["definitions"]);
     EXPECT_EQ(stats["assemblies"], expected_["assembly_definitions"]);
     EXPECT_EQ(stats["parts"], expected_["part_definitions"]);
@@ -99,7 +108,7 @@ TEST_P(StepFiles, AreCountedAsTheirTextStates) {
 }
 
 TEST_P(StepFiles, ShowTheirDefinitionsUnderTheirNames) {
-    const json shown = ToolJson({"show", "--format", "json", File()});
+    const json shown = Shown();
     std::map<std::string, int> names, occurrences;
     for (const json& definition : shown["definitions"]) {
         ++names[definition["name"]];
@@ -110,7 +119,7 @@ TEST_P(StepFiles, ShowTheirDefinitionsUnderTheirNames) {
 }
 
 TEST_P(StepFiles, ShowTheirUses) {
-    const json shown = ToolJson({"show", "--format", "json", File()});
+    const json shown = Shown();
     std::map<std::string, int> names;
     std::map<std::pair<std::string, std::string>, int> uses;
     for (const json& instance : shown["instances"]) {
@@ -126,7 +135,7 @@ TEST_P(StepFiles, ShowTheirUses) {
 }
 
 TEST_P(StepFiles, ShowAPathForEachOccurrence) {
-    const std::vector<std::string> paths = PathsOf(ToolJson({"show", "--format", "json", File()}));
+    const std::vector<std::string> paths = PathsOf(Shown());
     if (!expected_["paths"].is_null()) {
         EXPECT_EQ(json(paths), expected_["paths"]);
     }
@@ -134,7 +143,7 @@ TEST_P(StepFiles, ShowAPathForEachOccurrence) {
 }
 
 TEST_P(StepFiles, PlaceTheirOccurrencesInMillimetres) {
-    const json shown = ToolJson({"show", "--format", "json", File()});
+    const json shown = Shown();
     std::map<std::string, std::array<double, 4>> sums;
     for (const json& occurrence : shown["occurrences"]) {
         auto& sum = sums[DefinitionName(shown, occurrence)];
@@ -156,11 +165,15 @@ TEST_P(StepFiles, KeepTheirTreeInASceneFile) {
     const std::string first = folder.File("first.qn"), second = folder.File("second.qn"),
                       saved = folder.File("saved.qn");
     for (const std::string& target : {first, second})
-        ASSERT_EQ(RunTool({"convert", "--structure-only", File(), target}).exitCode, 0);
+        ASSERT_EQ(RunTool(Call({"convert", "--structure-only", File(), target})).exitCode, 0);
     ASSERT_EQ(RunTool({"convert", first, saved}).exitCode, 0);
 
-    EXPECT_EQ(RunTool({"show", "--format", "json", "--ids", first}).out,
-              RunTool({"show", "--format", "json", "--ids", File()}).out);
+    const std::vector<std::string> show = {"show", "--ids", File()};
+    EXPECT_EQ(RunTool({"show", "--ids", first}).out, RunTool(Call(show)).out);
+    if (!GetParam().isFollowed) {  // else definitions tell which file they came from
+        EXPECT_EQ(RunTool({"show", "--format", "json", "--ids", first}).out,
+                  RunTool({"show", "--format", "json", "--ids", File()}).out);
+    }
     EXPECT_EQ(ReadAll(first), ReadAll(second)) << "converted twice";
     EXPECT_EQ(ReadAll(first), ReadAll(saved)) << "loaded and saved";
 }
@@ -168,15 +181,15 @@ TEST_P(StepFiles, KeepTheirTreeInASceneFile) {
 TEST_P(StepFiles, KeepTheirTreeWithGeometryAndNodes) {
     const TemporaryFolder folder;
     const std::string compact = folder.File("compact.qn"), expanded = folder.File("expanded.qn");
-    ASSERT_EQ(RunTool({"convert", File(), compact}).exitCode, 0);
+    ASSERT_EQ(RunTool(Call({"convert", File(), compact})).exitCode, 0);
     ASSERT_EQ(RunTool({"convert", "--expand", compact, expanded}).exitCode, 0);
-    const std::string shown = RunTool({"show", File()}).out;
+    const std::string shown = RunTool(Call({"show", File()})).out;
     EXPECT_EQ(RunTool({"show", compact}).out, shown);
     EXPECT_EQ(RunTool({"show", expanded}).out, shown);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, StepFiles, testing::ValuesIn(kFiles), [](const auto& info) {
-    std::string name = info.param.name;
+    std::string name = info.param.expected ? info.param.expected : info.param.name;
     std::replace_if(
         name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
     return name;
