@@ -15,6 +15,9 @@ namespace {
 
 namespace limits = named_file_limits;
 
+/// Share of the progress that the first file takes if others follow.
+constexpr double kFirstShare = 0.1;
+
 std::string FileNameOf(const std::string& path) {
     return std::filesystem::path(path).filename().string();
 }
@@ -41,8 +44,10 @@ public:
     NamedFiles Run() {
         const std::size_t openedBefore = session_.GetLoadCount();
         out_.files.emplace_back().shown = request_.file;
+        const bool follows = follow_.levels > 0;
+        if (follows) session_.SetProgressRange(0, kFirstShare);
         Read(0);
-        if (follow_.levels > 0) Follow();
+        if (follows) Follow();
         out_.opened = session_.GetLoadCount() - openedBefore;
         return std::move(out_);
     }
@@ -56,6 +61,15 @@ private:
             if (out_.files[at].state == FileState::kRead) Scan(at);
         }
         RefuseRings();
+        session_.SetProgressRange(0, 1);
+        session_.GetContext().ReportProgress(1);
+    }
+
+    /// Within the files that are known by now.
+    void ShowProgress(std::uint32_t at) {
+        const double step = (1 - kFirstShare) / static_cast<double>(out_.files.size());
+        shown_ = std::max(shown_, kFirstShare + step * at);
+        session_.SetProgressRange(shown_, std::max(shown_, kFirstShare + step * (at + 1)));
     }
 
     /// Reads a file that was named, if it is there and within the levels.
@@ -63,10 +77,12 @@ private:
         NamedFile& file = out_.files[at];
         if (file.level > follow_.levels) return;
         if (file.level > limits::kMostLevels) FailOnLimit(at, "levels of files", limits::kMostLevels);
-        if (IsMissing(file.path))
+        if (IsMissing(file.path)) {
             file.state = FileState::kMissing;
-        else
-            ReadNamed(at);
+            return;
+        }
+        ShowProgress(at);
+        ReadNamed(at);
     }
 
     void Read(std::uint32_t at) {
@@ -180,6 +196,7 @@ private:
     NamedFiles out_;
     std::unordered_map<std::string, std::uint32_t> known_;  // by path
     std::unordered_set<std::string> withContent_;           // server ids
+    double shown_ = 0;                                      // of the progress
 };
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <utility>
 
 namespace assembly::tool {
 namespace {
@@ -102,12 +103,20 @@ Session::Session(ProgressStyle progress) {
     if (!qn::StartEngineWithAssembly(&reason))
         throw Failure(ExitCode::kDefect, "the assembly module could not be loaded: " + reason.ToUtf8());
     auto context = qn::Make<ContextImpl>();
-    context->SetProgressFunction(ProgressWriter(progress));
+    if (auto write = ProgressWriter(progress))
+        context->SetProgressFunction([this, write = std::move(write)](double fraction) {
+            return write(progressFrom_ + fraction * (progressTo_ - progressFrom_));
+        });
     running = context.Get();
     context_ = context;
     std::signal(SIGINT, &CancelRunning);
     std::signal(SIGTERM, &CancelRunning);
     std::signal(SIGPIPE, SIG_IGN);
+}
+
+void Session::SetProgressRange(double from, double to) {
+    progressFrom_ = from;
+    progressTo_ = to;
 }
 
 Session::~Session() {

@@ -32,6 +32,8 @@ public:
     /// A new scene with the file's top node; a scene file as it is, with all its structures. Fails with the
     /// code that the cause stands for.
     qn::Counted<qn::k3::Scene> Load(const LoadRequest& request);
+    /// Which part of the whole the next steps are: their progress is shown as going from `from` to `to`.
+    void SetProgressRange(double from, double to);
     /// How many files were opened so far.
     std::size_t GetLoadCount() const { return loads_; }
     /// The context of the present run, borrowed.
@@ -42,6 +44,8 @@ public:
 private:
     qn::Counted<qn::Context> context_;
     std::size_t loads_ = 0;
+    double progressFrom_ = 0;
+    double progressTo_ = 1;
 };
 
 }  // namespace assembly::tool

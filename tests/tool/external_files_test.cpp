@@ -11,6 +11,7 @@
 #include <unistd.h>
 #include <algorithm>
 #include <filesystem>
+#include <sstream>
 
 namespace assembly::tests {
 namespace {
@@ -93,6 +94,17 @@ TEST_F(ExternalFiles, AreOfAnyFormatThatIsKnown) {
     EXPECT_EQ(whole["definitions"].get<int>(), lantern["definitions"].get<int>() + 1);
     EXPECT_EQ(whole["occurrences"].get<int>(), lantern["occurrences"].get<int>() + 1);
     EXPECT_EQ(whole["depth"].get<int>(), lantern["depth"].get<int>() + 1);
+}
+
+TEST_F(ExternalFiles, MayBeGltf) {
+    if (DataFolder().empty()) GTEST_SKIP() << "the data folder is not there";
+    fs::copy_file(DataFolder() / "gltf-milk-truck/CesiumMilkTruck.glb", File("truck.glb"));
+    Write("a.qn", "A", {{"truck", "truck.glb", 2}});
+    const json whole = Stats("all", "a.qn");
+    const json truck = ToolJson({"stats", "--format", "json", File("truck.glb")});
+    EXPECT_EQ(whole["definitions"].get<int>(), truck["definitions"].get<int>() + 1);
+    EXPECT_EQ(whole["occurrences"].get<int>(), truck["occurrences"].get<int>() * 2 + 1);
+    ExpectConvertedWhole("a.qn");
 }
 
 TEST_F(ExternalFiles, OfSeveralRootsStandBelowTheDefinitionThatNamesThem) {
@@ -212,6 +224,21 @@ TEST_F(ExternalFiles, AreReadAsManyLevelsDownAsAskedFor) {
     EXPECT_EQ(Stats("2", "a.qn")["files_read"], 2);
     EXPECT_EQ(Stats("all", "a.qn")["files_read"], 3);
     EXPECT_TRUE(Contains(RunTool({"show", "--load", "1", File("a.qn")}).out, "c \"c.1\" → c.qn"));
+}
+
+TEST_F(ExternalFiles, AreOneProgress) {
+    Write("a.qn", "A", {{"b", "b.qn"}, {"c", "c.qn"}});
+    Write("b.qn", "B", {{"c", "c.qn"}});
+    Write("c.qn", "C", {});
+    const ToolRun run = RunTool({"show", "--progress", "json", "--load", "all", File("a.qn")});
+    double last = 0;
+    std::istringstream lines(run.err);
+    for (std::string line; std::getline(lines, line);) {
+        const double progress = json::parse(line)["progress"];
+        EXPECT_GE(progress, last) << run.err;
+        last = progress;
+    }
+    EXPECT_EQ(last, 1) << run.err;
 }
 
 TEST_F(ExternalFiles, TakeNoOtherWordForTheLevels) {
