@@ -12,6 +12,8 @@ void AddCheck(CLI::App& app);
 void AddRepair(CLI::App& app);
 void AddDeps(CLI::App& app);
 void AddParts(CLI::App& app);
+void AddBom(CLI::App& app);
+void AddEffectivity(CLI::App& app);
 void AddOps(CLI::App& app);
 void AddRun(CLI::App& app);
 void AddModule(CLI::App& app);
