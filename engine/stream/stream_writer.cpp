@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace qn {
 namespace {
 
@@ -15,7 +17,8 @@ namespace limits = scene_file_limits;
 using namespace scene_file;
 
 constexpr std::uint32_t kNoRecord = PointerIndex::kNone;
-constexpr std::uint32_t kCancelStep = 0x1000;  // objects between two looks at the context
+constexpr std::uint32_t kProgressStep = 0x1000;  // objects between two reports
+constexpr double kBodiesShare = 0.7;             // of all work; the rest is putting the file together
 
 bool CanBeWritten(Interface& object, const char* key) {
     return key && *key && (Cast<ReferenceSource>(&object) || FindObjectWriter(key));
@@ -43,11 +46,17 @@ bool StreamWriter::WriteBodies(Interface& root) {
     if (Register(root) == kNoRecord)
         return FailWith(LoadFailure::kDefect, "nothing can write the root object");
     for (std::uint32_t record = 0; record < records_.size(); ++record) {
-        if (record % kCancelStep == 0 && context_.IsCancelled())
-            return FailWith(LoadFailure::kCancelled, "cancelled");
+        const double known = static_cast<double>(records_.size());
+        if (record % kProgressStep == 0 && !GoesOn(kBodiesShare * record / known)) return false;
         if (!records_[record].saved && !WriteBody(record)) return false;
     }
     return !failed_;
+}
+
+bool StreamWriter::GoesOn(double done) {
+    done_ = std::max(done_, done);
+    if (context_.ReportProgress(done_) && !context_.IsCancelled()) return true;
+    return FailWith(LoadFailure::kCancelled, "cancelled");
 }
 
 bool StreamWriter::LearnLooseEnds() {
@@ -153,12 +162,7 @@ void StreamWriter::PatchNumbers(const std::vector<std::uint32_t>& order) {
 std::string StreamWriter::Assemble(const std::vector<std::uint32_t>& order) {
     std::vector<std::uint32_t> classOf(classes_.size(), kNoRecord);
     std::uint32_t classCount = 0;
-    std::string classes, index, block, blocks;
-    std::vector<BlockRow> bodyRows;
-    const auto flush = [&] {
-        if (!block.empty()) bodyRows.push_back(PackBlock(BlockKind::kBodies, block, blocks));
-        block.clear();
-    };
+    std::string classes, index;
     for (const std::uint32_t number : order) {
         const Record& record = records_[number];
         std::uint32_t& classNumber = classOf[record.classNumber];
@@ -170,18 +174,35 @@ std::string StreamWriter::Assemble(const std::vector<std::uint32_t>& order) {
         }
         Put(index, static_cast<std::uint16_t>(classNumber));
         Put(index, record.length);
-        if (record.length > kBlockSize) flush();
-        block.append(bytes_, record.begin, record.length);
-        if (block.size() >= kBlockSize) flush();
     }
-    flush();
-
-    std::string head;
+    std::string head, blocks;
     std::vector<BlockRow> rows{PackBlock(BlockKind::kClasses, classes, head),
                                PackBlock(BlockKind::kIndex, index, head)};
-    rows.insert(rows.end(), bodyRows.begin(), bodyRows.end());
+    if (!PackBodies(order, rows, blocks)) return {};
     const auto count = static_cast<std::uint32_t>(order.size());
-    return WriteContainer(rows, head.append(blocks), count, classCount, count);
+    std::string file = WriteContainer(rows, head.append(blocks), count, classCount, count);
+    return GoesOn(1) ? std::move(file) : std::string();
+}
+
+bool StreamWriter::PackBodies(const std::vector<std::uint32_t>& order, std::vector<BlockRow>& rows,
+                              std::string& blocks) {
+    std::string block;
+    std::size_t packed = 0;
+    const auto flush = [&] {
+        if (block.empty()) return true;
+        rows.push_back(PackBlock(BlockKind::kBodies, block, blocks));
+        packed += block.size();
+        block.clear();
+        const double share = static_cast<double>(packed) / static_cast<double>(bytes_.size());
+        return GoesOn(kBodiesShare + (1 - kBodiesShare) * share);
+    };
+    for (const std::uint32_t number : order) {
+        const Record& record = records_[number];
+        if (record.length > kBlockSize && !flush()) return false;
+        block.append(bytes_, record.begin, record.length);
+        if (block.size() >= kBlockSize && !flush()) return false;
+    }
+    return flush();
 }
 
 bool StreamWriter::Fail(const String& text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/stream/block.h"
 #include "engine/stream/load_report.h"
 #include "engine/stream/pointer_index.h"
 #include "engine/stream/record_order.h"
@@ -84,6 +85,8 @@ private:
     };
 
     bool FailWith(LoadFailure kind, const std::string& cause);
+    /// Reports how much is done, never less than before; false after a cancellation.
+    bool GoesOn(double done);
     bool Append(const void* data, std::size_t size);
     std::uint32_t Register(Interface& object);
     std::uint32_t ClassNumberOf(const Interface& object);
@@ -99,11 +102,15 @@ private:
     std::uint32_t WriteNumberOf(Interface* object);
     void PatchNumbers(const std::vector<std::uint32_t>& order);
     std::string Assemble(const std::vector<std::uint32_t>& order);
+    /// Appends the bodies, packed in blocks, and their rows; false after a cancellation.
+    bool PackBodies(const std::vector<std::uint32_t>& order, std::vector<scene_file::BlockRow>& rows,
+                    std::string& blocks);
 
     const std::string name_;
     Context& context_;
     const bool expandGenerated_;
     bool failed_ = false;
+    double done_ = 0;  // of all work, as reported
     SaveReport report_;
 
     std::deque<Body> open_;  // bodies in work, the outermost first; kept for their memory
