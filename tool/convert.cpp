@@ -2,10 +2,10 @@
 #include "tool/failure.h"
 #include "tool/generate.h"
 #include "tool/merge_files.h"
+#include "tool/progress_option.h"
+#include "tool/save_target.h"
 #include "tool/session.h"
 #include "tool/verbs.h"
-
-#include "engine/stream/scene_file.h"
 
 #include <filesystem>
 #include <memory>
@@ -19,6 +19,7 @@ struct Options {
     std::string output;
     std::string up;  ///< of a glTF file: axis of the scene that points up
     bool expand = false;
+    ProgressStyle progress = ProgressStyle::kAuto;
 };
 
 constexpr const char* kExamples =
@@ -67,8 +68,7 @@ void Write(qn::k3::Scene& scene, Session& session, const Options& options) {
     }
     qn::SceneSaveOptions save;
     save.expand = options.expand;
-    if (!qn::SaveSceneFile(scene, qn::String::FromUtf8(options.output), session.GetContext(), save))
-        throw Failure(ExitCode::kNotWritten, session.FailureText(options.output, "could not be written"));
+    SaveTo(options.output, scene, session, save);
 }
 
 /// With the files of the assembly in it. Views that came along are bound to nodes, which have to be made for
@@ -80,7 +80,7 @@ void MergeAll(Session& session, qn::k3::Scene& scene, const NamedFiles& files, c
 
 void Run(const Options& options) {
     CheckOutput(options);
-    Session session;
+    Session session(options.progress);
     const bool follows = options.follow.levels > 0;
     const NamedFiles files = follows ? LookAhead(session, options) : NamedFiles();
     const auto scene = session.Load(options.load);
@@ -108,6 +108,7 @@ void AddConvert(CLI::App& app) {
     verb->add_option("--tolerance", options->load.tolerance,
                      "Greatest distance of facets to the surface, mm (by size)")
         ->check(CLI::PositiveNumber);
+    AddProgressOption(*verb, options->progress);
     verb->callback([options] { Run(*options); });
 }
 

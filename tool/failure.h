@@ -37,4 +37,10 @@ constexpr ExitCode CodeOf(qn::LoadFailure failure) {
     return ExitCode::kDefect;
 }
 
+/// The exit code that stands for a failed save.
+constexpr ExitCode CodeOfSave(qn::LoadFailure failure) {
+    const bool isOther = failure != qn::LoadFailure::kLimit && failure != qn::LoadFailure::kCancelled;
+    return isOther ? ExitCode::kNotWritten : CodeOf(failure);
+}
+
 }  // namespace assembly::tool

@@ -188,6 +188,7 @@ private:
             if (file.structure.table) out_.sources.emplace_back(file.structure.table.Get());
         }
         out_.table = files_.front().structure.table;
+        out_.tops = files_.front().structure.tops;
     }
 
     std::vector<NamedFile>& files_;

@@ -1,5 +1,6 @@
 #include "tool/dates.h"
 #include "tool/failure.h"
+#include "tool/named_files.h"
 #include "tool/parts_fields.h"
 #include "tool/parts_list.h"
 #include "tool/progress_option.h"
@@ -15,6 +16,7 @@ namespace {
 
 struct Options {
     LoadRequest load;
+    FollowRequest follow;
     PartsOptions parts;
     PartsFormat format = PartsFormat::kTable;
     std::string asOf;
@@ -31,7 +33,8 @@ constexpr const char* kExamples =
     "  assembly parts --structure flat --group-by name bracket.stp   parts of one name as one\n"
     "  assembly parts --as-of 2026-03-31 --line 120 bracket.qn   only what is valid then\n\n"
     "Prints the bill of materials. A line stands for all uses of a definition within one parent. The\n"
-    "quantities of a flat list add up to the number of occurrences of parts.\n\n";
+    "quantities of a flat list add up to the number of occurrences of parts. Files that the assembly names\n"
+    "are read on request alone (--load all).\n\n";
 
 const std::map<std::string, PartsStructure> kStructures{{"multi", PartsStructure::kMulti},
                                                         {"single", PartsStructure::kSingle},
@@ -56,11 +59,13 @@ Validity ValidityOf(const Options& options) {
 void Run(const Options& options) {
     const Validity validity = ValidityOf(options);
     Session session(options.progress);
-    const auto scene = session.Load(options.load);
-    Structure structure = ReadStructure(*scene, session.GetContext());
-    if (validity.IsAsked()) structure = OnlyValid(structure, *scene, validity);
+    NamedFiles files = ReadNamedFiles(session, options.load, options.follow);
+    const qn::Counted<qn::k3::Scene> scene = files.files.front().scene;
+    FollowedStructure followed = Join(std::move(files));
+    if (validity.IsAsked()) followed.structure = OnlyValid(followed.structure, *scene, validity);
     Output output;
-    WritePartsList(output, structure, options.parts, options.format);
+    WritePartsList(output, followed.structure, options.parts, options.format);
+    followed.FailIfMissing();
 }
 
 template <class Value>
@@ -82,8 +87,12 @@ void AddLayout(CLI::App& verb, Options& options) {
         ->check(CLI::Range(1u, PartsOptions::kAllLevels));
     verb.add_flag("--once", parts.once,
                   "Of several levels: list the components of an assembly only where it first stands");
-    verb.add_option("--fields", parts.fields, "Columns, separated by commas")->delimiter(',');
-    verb.add_option("--group-by", parts.groupBy, "Make lines that agree in these fields one")->delimiter(',');
+    verb.add_option("--fields", parts.fields, "Columns, separated by commas")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    verb.add_option("--group-by", parts.groupBy, "Make lines that agree in these fields one")
+        ->delimiter(',')
+        ->allow_extra_args(false);
     verb.add_option("--sort-field", parts.sortField, "Order lines, or the components of each assembly");
     verb.add_flag("--descending", parts.descending, "The other way round");
     AddChoice(verb, "--format", kFormats, options.format, "table, csv, json or md (table)");
@@ -97,6 +106,7 @@ void AddParts(CLI::App& app) {
     CLI::App* verb = app.add_subcommand("parts", "Print the bill of materials");
     verb->description(kExamples + DescribePartsFields());
     verb->add_option("FILE", options->load.file, "STEP or scene file")->required();
+    AddFollowOptions(*verb, options->follow);
     AddLayout(*verb, *options);
     verb->add_option("--as-of", options->asOf, "Only what is valid on this date (UTC)");
     verb->add_option("--line", options->line, "Only what is valid for this line number");

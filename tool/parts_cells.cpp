@@ -44,11 +44,6 @@ PartsCell MetadataOf(const std::string& key, const PartsRow& row, const Definiti
     return {texts.Text(), isNumber && texts.Count() == 1};
 }
 
-PartsCell FileOf(const Definition& definition) {
-    const qn::Var target = definition.reference->GetTarget();
-    return Text(target.IsText() ? target.ToText().ToUtf8() : std::string());
-}
-
 PartsCell ServerIdOf(const Definition& definition) {
     const qn::Var id = definition.reference->GetProperty(qn::graph::Prop::kBsId, 0);
     return Text(id.ToBool() ? id.ToText().ToUtf8() : std::string());
@@ -92,7 +87,7 @@ PartsCell CellOf(const PartsField& field, const PartsRow& row, const Structure& 
         case Kind::kDesignators:
             return DesignatorsOf(row);
         case Kind::kFile:
-            return FileOf(definition);
+            return Text(definition.file);
         case Kind::kMetadata:
             return MetadataOf(field.name, row, definition);
     }

@@ -1,11 +1,11 @@
 #include "engine/runtime/context_impl.h"
-#include "engine/stream/scene_file.h"
 #include "frame/host/api.h"
 #include "frame/host/params.h"
 #include "tool/failure.h"
 #include "tool/generate.h"
 #include "tool/operation_arguments.h"
 #include "tool/ops_formats.h"
+#include "tool/save_target.h"
 #include "tool/session.h"
 #include "tool/verbs.h"
 
@@ -96,8 +96,7 @@ Outcome RunOperation(Session& session, const Options& options, const Operation& 
     outcome.result = Invoke(operation, *ParamsOf(operation, arguments, scene.Get()), context);
     if (context.IsCancelled()) throw Failure(ExitCode::kCancelled, "run " + operation.name + ": cancelled");
     if (outcome.result != kDone || target.empty()) return outcome;
-    if (!qn::SaveSceneFile(*scene, qn::String::FromUtf8(target), context))
-        throw Failure(ExitCode::kNotWritten, session.FailureText(target, "could not be written"));
+    SaveTo(target, *scene, session);
     outcome.saved = target;
     return outcome;
 }

@@ -1,6 +1,5 @@
 #include "tool/save_target.h"
 
-#include "engine/stream/scene_file.h"
 #include "tool/failure.h"
 
 #include <filesystem>
@@ -28,9 +27,11 @@ std::string PathOf(const SaveTarget& target, const std::string& input) {
     return path.string();
 }
 
-void SaveTo(const std::string& path, qn::k3::Scene& scene, Session& session) {
-    if (!qn::SaveSceneFile(scene, qn::String::FromUtf8(path), session.GetContext()))
-        throw Failure(ExitCode::kNotWritten, session.FailureText(path, "could not be written"));
+void SaveTo(const std::string& path, qn::k3::Scene& scene, Session& session,
+            const qn::SceneSaveOptions& options) {
+    qn::Context& context = session.GetContext();
+    if (qn::SaveSceneFile(scene, qn::String::FromUtf8(path), context, options)) return;
+    throw Failure(CodeOfSave(context.GetFailure()), session.FailureText(path, "could not be written"));
 }
 
 }  // namespace assembly::tool

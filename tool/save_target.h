@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/stream/scene_file.h"
 #include "tool/session.h"
 
 #include <CLI/CLI.hpp>
@@ -21,7 +22,8 @@ void AddSaveOptions(CLI::App& verb, SaveTarget& target);
 /// does not exist.
 std::string PathOf(const SaveTarget& target, const std::string& input);
 
-/// Writes the scene. Fails with kNotWritten; an old file is then as it was.
-void SaveTo(const std::string& path, qn::k3::Scene& scene, Session& session);
+/// Writes the scene. Fails with kNotWritten, kLimit or kCancelled; an old file is then as it was.
+void SaveTo(const std::string& path, qn::k3::Scene& scene, Session& session,
+            const qn::SceneSaveOptions& options = {});
 
 }  // namespace assembly::tool

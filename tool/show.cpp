@@ -1,5 +1,6 @@
 #include "tool/named_files.h"
 #include "tool/occurrence_walk.h"
+#include "tool/progress_option.h"
 #include "tool/session.h"
 #include "tool/show_json.h"
 #include "tool/show_table.h"
@@ -15,7 +16,7 @@ struct Options {
     FollowRequest follow;
     ShowOptions show;
     std::string format = "table";
-    std::string progress = "auto";
+    ProgressStyle progress = ProgressStyle::kAuto;
 };
 
 constexpr const char* kExamples =
@@ -32,9 +33,7 @@ constexpr const char* kExamples =
     "was not read. Files that the assembly names are read on request alone (--load all).";
 
 void Run(const Options& options) {
-    Session session(options.progress == "none"   ? ProgressStyle::kNone
-                    : options.progress == "json" ? ProgressStyle::kJson
-                                                 : ProgressStyle::kAuto);
+    Session session(options.progress);
     const FollowedStructure followed = ReadFollowed(session, options.load, options.follow);
     const Structure& structure = followed.structure;
     Output output;
@@ -62,8 +61,7 @@ void AddShow(CLI::App& app) {
     verb->add_flag("--definitions", options->show.definitions, "List the definitions in place of the tree");
     verb->add_flag("--ids", options->show.ids, "Print ids, too");
     verb->add_option("--format", options->format, "table or json")->check(CLI::IsMember({"table", "json"}));
-    verb->add_option("--progress", options->progress, "auto, none or json (on stderr)")
-        ->check(CLI::IsMember({"auto", "none", "json"}));
+    AddProgressOption(*verb, options->progress);
     verb->callback([options] { Run(*options); });
 }
 

@@ -1,4 +1,5 @@
 #include "tool/named_files.h"
+#include "tool/progress_option.h"
 #include "tool/session.h"
 #include "tool/structure.h"
 #include "tool/terminal.h"
@@ -18,6 +19,7 @@ struct Options {
     FollowRequest follow;
     std::string format = "table";
     bool timing = false;
+    ProgressStyle progress = ProgressStyle::kAuto;
 };
 
 constexpr const char* kExamples =
@@ -88,7 +90,7 @@ void WriteTable(Output& output, const std::vector<Figure>& figures) {
 
 void Run(const Options& options) {
     using Clock = std::chrono::steady_clock;
-    Session session;
+    Session session(options.progress);
     const auto start = Clock::now();
     NamedFiles files = ReadNamedFiles(session, options.load, options.follow);
     const auto loaded = Clock::now();
@@ -118,6 +120,7 @@ void AddStats(CLI::App& app) {
     AddFollowOptions(*verb, options->follow);
     verb->add_option("--format", options->format, "table or json")->check(CLI::IsMember({"table", "json"}));
     verb->add_flag("--timing", options->timing, "Add times and peak memory");
+    AddProgressOption(*verb, options->progress);
     verb->callback([options] { Run(*options); });
 }
 

@@ -25,6 +25,13 @@ std::string TextOf(const Var& value) {
     return value.IsText() ? value.ToText().ToUtf8() : std::string();
 }
 
+/// Whether a path begins with what stands around the roots, which no occurrence shows.
+bool StandsInContainer(const qn::graph::Selector& selector) {
+    if (selector.GetPathElementCount() < 2) return false;
+    const Instance* first = selector.GetPathElement(0);
+    return first && first->GetReference() && IsContainer(*first->GetReference());
+}
+
 /// Node to parent as generation makes it: the definition's own transform first, then that of the use.
 Matrix4<double> LocalMatrix(const Reference* reference, const Var& ofUse) {
     const Var ofDefinition = reference ? reference->GetProperty(Prop::kLocalMatrix, 0) : Var();
@@ -84,7 +91,7 @@ private:
 
     static void AddOverride(Use& use, const qn::graph::Selector& selector, const Reference* reference) {
         Override result;
-        for (int i = 0; i < selector.GetPathElementCount(); ++i)
+        for (int i = StandsInContainer(selector) ? 1 : 0; i < selector.GetPathElementCount(); ++i)
             result.path.push_back(selector.GetPathElement(static_cast<unsigned>(i)));
         result.name = TextOf(selector.GetProperty(Prop::kName, 0));
         const Var local = selector.GetProperty(Prop::kLocalMatrix, 0);

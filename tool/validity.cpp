@@ -32,6 +32,7 @@ public:
     Filter(const Structure& from, const InvalidPaths& paths, const Validity& validity)
         : from_(from), paths_(paths), validity_(validity) {
         to_.table = from.table;
+        to_.sources = from.sources;
     }
 
     Structure Run() {
