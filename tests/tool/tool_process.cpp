@@ -6,9 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <cerrno>
-#include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 namespace assembly::tests {
 namespace {
@@ -57,30 +55,6 @@ nlohmann::json ToolJson(const std::vector<std::string>& arguments) {
     nlohmann::json parsed = nlohmann::json::parse(run.out, nullptr, false);
     EXPECT_FALSE(parsed.is_discarded()) << run.out.substr(0, 1000);
     return parsed;
-}
-
-std::filesystem::path DataFolder() {
-    const char* chosen = std::getenv("ASSEMBLY_DATA_DIR");
-    const std::filesystem::path folder = chosen && *chosen ? chosen : ASSEMBLY_DATA_DIR;
-    std::error_code ignored;
-    return std::filesystem::is_directory(folder, ignored) ? folder : std::filesystem::path();
-}
-
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "assembly-test-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::string ReadAll(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return std::move(text).str();
 }
 
 void WriteAll(const std::string& file, const std::string& bytes) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "tests/support/data_dir.h"
+#include "tests/support/temp_folder.h"
+
 #include <nlohmann/json.hpp>
 #include <filesystem>
 #include <string>
@@ -21,22 +24,18 @@ ToolRun RunProgram(const std::string& program, const std::vector<std::string>& a
 nlohmann::json ToolJson(const std::vector<std::string>& arguments);
 
 /// The folder of the real assembly files; empty if it is not there.
-std::filesystem::path DataFolder();
-/// A folder of this test's own, removed with the object.
-class TemporaryFolder {
+inline std::filesystem::path DataFolder() {
+    return qn::test::HasData() ? qn::test::DataDir() : std::filesystem::path();
+}
+/// A folder of this test's own, removed with the object, whose files are named in UTF-8.
+class TemporaryFolder : public qn::test::TempFolder {
 public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    std::string File(const std::string& name) const { return (path_ / name).string(); }
-    const std::filesystem::path& Path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
+    std::string File(const std::string& name) const { return (Path() / name).string(); }
 };
 
-std::string ReadAll(const std::string& file);
+inline std::string ReadAll(const std::string& file) {
+    return qn::test::ReadBytes(file);
+}
 void WriteAll(const std::string& file, const std::string& bytes);
 
 }  // namespace assembly::tests
