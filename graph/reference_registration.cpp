@@ -1,7 +1,8 @@
+#include "graph/reference_registration.h"
+
 #include "graph/instance_impl.h"
 #include "graph/limits.h"
 #include "graph/lookup_table_impl.h"
-#include "graph/reference_impl.h"
 
 #include <unordered_set>
 
@@ -11,7 +12,8 @@ namespace qn::graph {
 /// use, with a stack of its own.
 class Registration {
 public:
-    explicit Registration(LookupTable* table) : table_(table), impl_(Cast<LookupTableImpl>(table)) {}
+    Registration(LookupTable* table, std::int64_t mostUses)
+        : table_(table), impl_(Cast<LookupTableImpl>(table)), mostUses_(mostUses) {}
 
     Reference* Run(ReferenceImpl& root) {
         Reference* survivor = Enter(root);
@@ -36,6 +38,7 @@ private:
     LookupTableImpl* impl_;
     std::vector<Frame> stack_;
     std::unordered_set<ReferenceImpl*> descent_;
+    std::int64_t mostUses_;
     std::int64_t uses_ = 0;
 };
 
@@ -81,7 +84,7 @@ Reference* Registration::Merge(ReferenceImpl& reference, const Var& bsId) {
 void Registration::Step() {
     Frame& frame = stack_.back();
     Instance* child = frame.reference->PeekChild(frame.next++);
-    if (!child || ++uses_ > kMaxOccurrences) {
+    if (!child || ++uses_ > mostUses_) {
         descent_.erase(frame.reference.Get());
         stack_.pop_back();
         return;
@@ -109,8 +112,12 @@ void Registration::MoveInstances(const Reference& from, Reference* to) {
     }
 }
 
+Reference* RegisterInTable(ReferenceImpl& root, LookupTable* table, std::int64_t mostUses) {
+    return Registration(table, mostUses).Run(root);
+}
+
 Reference* ReferenceImpl::RegisterInTable(LookupTable* table) {
-    return table ? Registration(table).Run(*this) : nullptr;
+    return table ? graph::RegisterInTable(*this, table, kMaxOccurrences) : nullptr;
 }
 
 }  // namespace qn::graph

@@ -1,3 +1,4 @@
+#include "graph/reference_registration.h"
 #include "frame/host/object3d.h"
 #include "tests/graph/graph_support.h"
 
@@ -194,6 +195,34 @@ TEST_F(Registering, ADeepChainIsEnteredToItsEnd) {
     chain.root->RegisterInTable(table.Get());
     EXPECT_EQ(LocalId(*chain.references.back()), Var(String(L"e10000")));
     EXPECT_EQ(table->instances.size(), static_cast<std::size_t>(kDeep - 1));
+}
+
+TEST_F(Registering, EndsAtTheLimitOfOccurrences) {
+    const auto wheel = MakeReference(), bolt = MakeReference();
+    for (int i = 0; i < 2; ++i)
+        car->AddChild(wheel->CreateInstance().Get());
+    for (int i = 0; i < 3; ++i)
+        wheel->AddChild(bolt->CreateInstance().Get());
+    const auto isEntered = [&](const ReferenceImpl& parent, int child) {
+        return LocalId(*parent.GetChild(child)).IsSet();
+    };
+    EXPECT_EQ(RegisterInTable(*car, table.Get(), 3), car.Get());
+    EXPECT_TRUE(isEntered(*car, 0));
+    EXPECT_TRUE(isEntered(*wheel, 0));
+    EXPECT_TRUE(isEntered(*wheel, 1));
+    EXPECT_FALSE(isEntered(*wheel, 2)) << "the fourth";
+    EXPECT_FALSE(isEntered(*car, 1)) << "nothing is met any more";
+}
+
+TEST_F(Registering, CountsTheUsesOfASharedDefinitionAsOftenAsTheyOccur) {
+    const auto wheel = MakeReference(), bolt = MakeReference();
+    for (int i = 0; i < 2; ++i)
+        car->AddChild(wheel->CreateInstance().Get());
+    wheel->AddChild(bolt->CreateInstance().Get());
+    RegisterInTable(*car, table.Get(), 3);
+    EXPECT_EQ(LocalId(*wheel->GetChild(0)), Var(L"n2"));
+    RegisterInTable(*car, Make<LookupTableImpl>().Get(), 4);
+    EXPECT_EQ(LocalId(*wheel->GetChild(0)), Var(L"n4"));
 }
 
 }  // namespace qn::test
