@@ -1,12 +1,16 @@
 #pragma once
 
+#include "graph/instance_impl.h"
 #include "graph/post_processing_instruction.h"
 #include "graph/reference_impl.h"
 
+#include <functional>
+
 namespace qn::test {
 
-/// A definition that counts how often it is reloaded, and can bring something then. All else is an inner
-/// definition's. It is no `ReferenceImpl`, as a definition of another module would be.
+/// A definition that counts how often it is reloaded and asked for links, and can bring something when
+/// reloaded. All else is an inner definition's. It is no `ReferenceImpl`, as a definition of another module
+/// would be.
 class ForwardingReference final : public graph::Reference {
     using Instance = graph::Instance;
     using Selector = graph::Selector;
@@ -16,6 +20,7 @@ class ForwardingReference final : public graph::Reference {
 public:
     const Counted<graph::ReferenceImpl> inner = Make<graph::ReferenceImpl>();
     int reloads = 0;
+    mutable int linkQuestions = 0;  ///< how often it was asked whether its target is a link
     /// What a reload does besides being counted.
     std::function<void()> onReload;
 
@@ -50,7 +55,10 @@ public:
     void StoreSelectors(bool recurse, Var* visited) override { inner->StoreSelectors(recurse, visited); }
     Var GetTarget() const override { return inner->GetTarget(); }
     void SetTarget(const Var& target) override { inner->SetTarget(target); }
-    bool HasNoTargetLink() const override { return inner->HasNoTargetLink(); }
+    bool HasNoTargetLink() const override {
+        ++linkQuestions;
+        return inner->HasNoTargetLink();
+    }
     Counted<Reference> ResolveTarget(const Var& key) override { return inner->ResolveTarget(key); }
     void CopyContentFrom(Reference* source) override { inner->CopyContentFrom(source); }
     bool IsLeaf() const override { return inner->IsLeaf(); }

@@ -101,6 +101,23 @@ TEST(ApplyNodeToReference, GivesAPrivateMergeOfAllMetadata) {
     EXPECT_NE(metadata.ToMap(), shown.reference->GetMetadata(false));
 }
 
+TEST(ApplyNodeToReference, TakesTheMarkOfTheNodeFromTheMetadataAsAWholeAlone) {
+    constexpr unsigned kMark = 0x8;
+    const Shown shown;
+    Var colour(L"red");
+    colour.SetValueFlags(kMark);
+    Var metadata = MapOf(L"Colour", colour);
+    metadata.SetValueFlags(kMark);
+    shown.reference->SetProperty(kMetadata, metadata);
+    const auto target = Make<ReferenceImpl>();
+
+    Factory()->ApplyNodeToReference(shown.node, target.Get());
+
+    const Var written = target->GetProperty(kMetadata, 0);
+    EXPECT_EQ(written.GetValueFlags() & kMark, 0u);
+    EXPECT_EQ(written.Lookup(L"Colour")->GetValueFlags() & kMark, kMark);
+}
+
 TEST(ApplyNodeToReference, MakesTheNodesObjectTheTarget) {
     const Shown shown;
     const auto content = Make<k3::Object3D>();

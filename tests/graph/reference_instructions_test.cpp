@@ -1,4 +1,5 @@
 #include "engine/runtime/byte_stream.h"
+#include "frame/host/memory.h"
 #include "frame/host/params.h"
 #include "frame/host/xml.h"
 #include "graph/post_processing_instruction.h"
@@ -238,6 +239,16 @@ TEST_F(ReferenceInstructions, ADeepChainRunsToItsEnd) {
     Call(*chain.root, L"test.recorder", 2);
     chain.root->RunAllInstructions(target.Get(), context.Get());
     EXPECT_EQ(Methods(), (std::vector<int>{1, 2}));
+}
+
+TEST_F(ReferenceInstructions, ListNothingThatCouldNotBeMade) {
+    const auto reference = MakeReference();
+    mem::FailAllocations(0, 1);
+    EXPECT_FALSE(reference->AddInstruction());
+    mem::FailAllocations(0, 0);
+    EXPECT_EQ(reference->GetInstructionCount(), 0);
+    EXPECT_TRUE(reference->AddInstruction());
+    EXPECT_EQ(reference->GetInstructionCount(), 1);
 }
 
 }  // namespace qn::test
