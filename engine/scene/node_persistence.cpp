@@ -59,12 +59,20 @@ private:
     Var instance_;
 };
 
+/// Whether the node still belongs to the hierarchy that made its children. None of them carries an instance
+/// once the ties were cut.
+bool HasTiedChild(const Node& node) {
+    for (const Node* child = node.GetFirstChild(); child; child = child->GetNextSibling())
+        if (Cast<graph::Instance>(child->GetParamObject(Param::kInstance))) return true;
+    return !node.GetFirstChild();
+}
+
 }  // namespace
 
 ResultEnum Node::Load(Stream* stream, Context* context) {
     const ResultEnum result = ReferenceSource::Load(stream, context);
     const graph::Reference* root = SceneAccess::AreChildrenStored(*this) ? GeneratedRootOf(*this) : nullptr;
-    if (!root || GetParamVar(Param::kInstance).IsSet()) return result;
+    if (!root || GetParamVar(Param::kInstance).IsSet() || !HasTiedChild(*this)) return result;
     if (const auto instance = root->GetInstance(root->GetInstanceCount() - 1))
         SetParamVar(Param::kInstance, Var(instance));
     return result;

@@ -6,6 +6,8 @@
 #include "graph/graph.h"
 #include "services/hierarchy_checker.h"
 #include "tests/support/accepted_leaks.h"
+#include "tests/support/assembly.h"
+#include "tests/support/generated_scene.h"
 #include "tests/support/museum.h"
 #include "tests/support/recording_context.h"
 #include "tests/support/recording_platform.h"
@@ -60,6 +62,28 @@ TEST_F(OpeningAFile, RepairsEveryDamageThatTheValidatorSees) {
         const auto scene = Open(*exhibit.make());
         EXPECT_TRUE(IsSound(*scene)) << exhibit.name;
         EXPECT_EQ(platform_.boxes.size(), IsOfNodes(exhibit) ? 1u : 0u) << exhibit.name;
+    }
+}
+
+/// Nodes that a generator made and that are stored, one of which shows something else.
+Counted<k3::Scene> BrokenGeneratedNodes() {
+    const Assembly car = AssemblyBuilder("car").Child("wheel", 2).WithContent().Build();
+    auto scene = GeneratedScene(car);
+    k3::Node* const top = scene->GetFirstChild();
+    k3::Generator::Get(top)->Generate(top, nullptr);
+    top->GetChildAt(1)->SetObject(Make<k3::Object3D>().Get());
+    return scene;
+}
+
+TEST_F(OpeningAFile, RepairsItOnceAndForAll) {
+    for (const auto& make : {Named("wrong_object").make, &BrokenGeneratedNodes}) {
+        platform_.boxes.clear();
+        const auto first = Open(*make());
+        EXPECT_EQ(platform_.boxes.size(), 1u);
+        const auto second = Open(*first);
+        EXPECT_EQ(platform_.boxes.size(), 1u);
+        EXPECT_TRUE(IsSound(*second));
+        EXPECT_EQ(second->GetFirstChild()->GetChildCount(), first->GetFirstChild()->GetChildCount());
     }
 }
 

@@ -216,8 +216,9 @@ TEST_F(CheckedFiles, TellOfEverythingThatIsWrong) {
     Save(damaged_, &BadlyDamaged);
     const ToolRun run = RunTool({"check", "--format", "json", damaged_});
     EXPECT_EQ(run.exitCode, 1) << run.err;
+    const json checked = json::parse(run.out);
     std::vector<std::string> codes;
-    for (const json& finding : json::parse(run.out)["files"][0]["findings"])
+    for (const json& finding : checked["files"][0]["findings"])
         codes.push_back(finding["path"].get<std::string>() + " " + finding["code"].get<std::string>());
     EXPECT_EQ(codes, (std::vector<std::string>{"car/chassis wrong-object", "car/wheel[1]/tyre wrong-instance",
                                                "car/wheel[2] too-many-children", " invalid-layer-member"}));
@@ -254,8 +255,10 @@ TEST_F(CheckedFiles, AreSeenAsALoadSeesThemWhereNodesStandBelowAGenerator) {
     const ToolRun run = RunTool({"check", damaged_});
     EXPECT_EQ(run.exitCode, 1) << run.err;
     EXPECT_NE(run.out.find("[wrong-object]"), std::string::npos) << run.out;
-    EXPECT_EQ(RunTool({"repair", "--in-place", damaged_}).exitCode, 0);
-    EXPECT_EQ(RunTool({"check", damaged_}).exitCode, 0);
+    const ToolRun repair = RunTool({"repair", "--in-place", damaged_});
+    EXPECT_EQ(repair.exitCode, 0) << repair.err;
+    const ToolRun again = RunTool({"check", damaged_});
+    EXPECT_EQ(again.exitCode, 0) << repair.out << again.out;
 }
 
 TEST_F(CheckedFiles, MayBeTenThousandLevelsDeep) {
