@@ -35,19 +35,30 @@ const DocumentReader::Row<Model> DocumentReader::kRows[] = {
 void DocumentReader::Read(const char* text, std::size_t length, std::size_t capacity) {
     simdjson::ondemand::parser parser;
     simdjson::ondemand::document document;
+    if (const auto error = parser.iterate(text, length, capacity).get(document)) FailText(error, {});
     try {
-        document = parser.iterate(text, length, capacity);
-        JsonValue root = document.get_value();
-        ReadObject(root, model_, kRows);
-        const char* rest = nullptr;
-        if (!document.current_location().get(rest))
-            json_.Fail("expected the end of the text after its object");
+        ReadRoot(document);
     } catch (const simdjson::simdjson_error& error) {
-        if (error.error() == simdjson::MEMALLOC) throw std::bad_alloc();
-        json_.Fail("the JSON text is damaged" + ByteText(document, text) + ": " +
-                   simdjson::error_message(error.error()));
+        FailText(error.error(), ByteText(document, text));
     }
     if (!hasAsset_) throw GltfError("/asset: expected a version, found none");
+}
+
+/// The document itself gives the object: it sees to it that the text ends with one.
+void DocumentReader::ReadRoot(simdjson::ondemand::document& document) {
+    const simdjson::ondemand::json_type type = document.type();
+    if (type != simdjson::ondemand::json_type::object) json_.Fail("expected an object");
+    simdjson::ondemand::object root = document.get_object();
+    json_.EachMember(root, [&](std::string_view key, JsonValue& member) {
+        ReadMember(key, member, model_, kRows);
+    });
+    const char* rest = nullptr;
+    if (!document.current_location().get(rest)) json_.Fail("expected the end of the text after its object");
+}
+
+void DocumentReader::FailText(simdjson::error_code error, const std::string& byte) const {
+    if (error == simdjson::MEMALLOC) throw std::bad_alloc();
+    json_.Fail("the JSON text is damaged" + byte + ": " + simdjson::error_message(error));
 }
 
 void DocumentReader::RefuseSecond(bool isFirst) const {

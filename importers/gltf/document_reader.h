@@ -30,9 +30,13 @@ private:
     template <class Target, std::size_t N>
     void ReadObject(JsonValue& value, Target& target, const Row<Target> (&rows)[N]) {
         json_.Members(value, [&](std::string_view key, JsonValue& member) {
-            for (const Row<Target>& row : rows)
-                if (row.key == key) return row.read(*this, target, member);
+            ReadMember(key, member, target, rows);
         });
+    }
+    template <class Target, std::size_t N>
+    void ReadMember(std::string_view key, JsonValue& member, Target& target, const Row<Target> (&rows)[N]) {
+        for (const Row<Target>& row : rows)
+            if (row.key == key) return row.read(*this, target, member);
     }
     /// A list of objects of one kind, each appended to `targets`.
     template <class Target, std::size_t N>
@@ -44,6 +48,8 @@ private:
             ReadObject(element, targets.emplace_back(), rows);
         });
     }
+    void ReadRoot(simdjson::ondemand::document& document);
+    [[noreturn]] void FailText(simdjson::error_code error, const std::string& byte) const;
     void RefuseSecond(bool isFirst) const;
     [[noreturn]] void FailTooMany(std::uint64_t most) const;
 

@@ -22,6 +22,10 @@ public:
     void Members(JsonValue& object, Read&& read) {
         simdjson::ondemand::object members;
         if (object.get_object().get(members)) FailType(object, "an object");
+        EachMember(members, read);
+    }
+    template <class Read>
+    void EachMember(simdjson::ondemand::object& members, Read&& read) {
         for (simdjson::ondemand::field field : members) {
             const std::string_view key = KeyOf(field);
             place.Enter(key);
