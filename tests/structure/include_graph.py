@@ -56,7 +56,7 @@ def allowed_areas(area):
     if area == "exporters":
         return {CONTRACT, "engine", "exporters", "graph", "importers"}
     if area == "tool":
-        return {CONTRACT, "tool", "engine", "exchange", "exporters"} | set(LAYERS)
+        return {CONTRACT, "tool", "engine", "exchange", "exporters", "importers"} | set(LAYERS)
     return None
 
 
@@ -76,6 +76,8 @@ def broken_rule(path, kind, target, root):
     allowed = allowed_areas(area)
     if allowed is None:
         return None
+    if area == "tool" and re.fullmatch(r"importers/\w+/\w+_limits\.h", target):
+        return None  # plain numbers, for printing
     if area_of(target) not in allowed:
         return f"{area} may not include {area_of(target)} ({target})"
     if area in ("engine", "exchange", "importers", "tool") and area_of(target) in LAYERS and is_implementation(target):
