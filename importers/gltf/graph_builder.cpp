@@ -5,6 +5,7 @@
 #include "frame/host/context.h"
 #include "importers/gltf/accessor_reader.h"
 #include "importers/gltf/gltf_error.h"
+#include "importers/gltf/gltf_limits.h"
 #include "importers/gltf/gltf_metadata.h"
 #include "importers/gltf/node_place.h"
 
@@ -121,7 +122,7 @@ void GraphBuilder::AddCopies(const Node& node, std::uint32_t index, Reference& p
     try {
         places = PlacesOfCopies(copies, PointerTo("nodes", index));
     } catch (const GltfError& error) {
-        if (!structureOnly_) throw;
+        if (!structureOnly_ || copies.count > gltf_limits::kMostUnbackedElements) throw;
         warning_ = std::string("the places of copies are not known: ") + error.what();
         places.resize(copies.count);
     }
