@@ -81,8 +81,10 @@ void SceneAccess::MoveEntities(Scene& from, Scene& to) {
             if (!entity) continue;
             entity->SetScene(&to);
             target->Add(entity);
-            const auto* viewport = Cast<Viewport>(entity);
-            if (viewport && viewport->GetLayer()) viewport->GetLayer()->SetScene(&to);
+            auto* viewport = Cast<Viewport>(entity);
+            if (!viewport) continue;
+            viewport->DeleteParam(Param::kViewportOwnBom);
+            if (viewport->GetLayer()) viewport->GetLayer()->SetScene(&to);
         }
         source->Clear();
     };

@@ -40,7 +40,8 @@ public:
     static void SetListed(Node& node, bool listed) { node.unlisted_ = !listed; }
     static void SetGrouped(Node& node) { node.grouped_ = true; }
     static void DetachSubtree(Scene& scene, Node& root);
-    /// Layers, viewports and entities of one scene become another's.
+    /// Layers, viewports and entities of one scene become another's. Structures stay behind, and so no view
+    /// belongs to one any more.
     static void MoveEntities(Scene& from, Scene& to);
 
     // Undo. Each `Before...` tells the recorder of the scene (may be null), if an item is open.

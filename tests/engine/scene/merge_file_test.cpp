@@ -83,6 +83,16 @@ TEST_F(MergeFile, ModulesCheckTheContentAsMerged) {
     EXPECT_NE(module.Calls().back().second, nullptr);
 }
 
+TEST_F(MergeFile, LeavesTheStructuresOfTheFileBehind) {
+    AddNode(*file_, L"a");
+    const auto bom = Make<Entity>(file_.Get(), kTypeBom);
+    file_->CreateViewport(L"v")->SetParamObject(Param::kViewportOwnBom, bom.Get());
+    Merge();
+    const auto* view = Cast<Viewport>(scene_->GetViewports()->Get(0));
+    EXPECT_EQ(view->GetParamObject(Param::kViewportOwnBom), nullptr);
+    EXPECT_EQ(BomHelper(scene_.Get()).GetBoms(), nullptr);
+}
+
 TEST_F(MergeFile, IsTakenBackAsOneItem) {
     AddNode(*file_, L"a");
     file_->CreateViewport(L"v");
