@@ -1,5 +1,6 @@
 #include "tool/occurrence_path.h"
 
+#include "frame/host/generator.h"
 #include "tool/failure.h"
 
 #include <algorithm>
@@ -95,13 +96,20 @@ std::string TextOf(const qn::Var& value) {
     return value.IsText() ? value.ToText().ToUtf8() : std::string();
 }
 
+/// What the node shows: what its instance uses, or what its generator makes nodes from.
+const Reference* DefinitionOf(const Node& node) {
+    if (const auto* instance = qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance)))
+        return instance->GetReference();
+    const qn::k3::Generator* generator = qn::k3::Generator::Get(&node);
+    return generator ? qn::Cast<Reference>(generator->GetGeneratedRoot()) : nullptr;
+}
+
 std::string NameOf(const Node& node) {
     std::string name;
-    if (const auto* instance = qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance))) {
+    if (const auto* instance = qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance)))
         name = TextOf(instance->GetProperty(Prop::kName, 0));
-        const Reference* reference = instance->GetReference();
-        if (name.empty() && reference) name = TextOf(reference->GetProperty(Prop::kName, 0));
-    }
+    const Reference* definition = name.empty() ? DefinitionOf(node) : nullptr;
+    if (definition) name = TextOf(definition->GetProperty(Prop::kName, 0));
     if (name.empty()) name = node.GetName().ToUtf8();
     return name.empty() ? kUnnamed : name;
 }
@@ -115,8 +123,8 @@ const Node* Above(const Node& node) {
 
 /// Whether the node only stands around the roots of a file.
 bool IsContainerNode(const Node& node) {
-    const auto* instance = qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance));
-    return instance && instance->GetReference() && IsContainer(*instance->GetReference());
+    const Reference* definition = DefinitionOf(node);
+    return definition && IsContainer(*definition);
 }
 
 }  // namespace
