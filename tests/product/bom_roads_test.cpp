@@ -1,0 +1,180 @@
+#include "construction/hierarchy_generator_impl.h"
+#include "engine/scene/generated_content.h"
+#include "engine/stream/scene_file.h"
+#include "tests/product/product_support.h"
+#include "tests/support/assembly.h"
+
+namespace qn::test {
+namespace {
+
+using graph::HierarchyGeneratorImpl;
+using k3::BomHelper;
+using k3::BomImpl;
+using k3::Node;
+
+std::string Bytes(k3::Scene& scene) {
+    const auto context = MakeContext();
+    return SaveSceneToBytes(scene, *context);
+}
+
+Counted<k3::Scene> Reloaded(k3::Scene& scene) {
+    const auto context = MakeContext();
+    const std::string bytes = Bytes(scene);
+    auto read = Make<k3::Scene>();
+    EXPECT_TRUE(LoadSceneFromBytes(bytes, L"test", *read, *context));
+    EXPECT_TRUE(Bytes(*read) == bytes) << "saved again the bytes differ";
+    return read;
+}
+
+k3::Bom* BomAt(k3::Scene& scene, int index) {
+    return Cast<k3::Bom>(BomHelper(&scene).GetBoms()->Get(index).ToInterface());
+}
+
+/// A scene whose only node generates "car(chassis wheel(tyre) wheel(tyre))" when asked to.
+class BomOfACar : public testing::Test {
+protected:
+    void SetUp() override {
+        node_->SetName(L"car");
+        const auto generator = Make<HierarchyGeneratorImpl>();
+        generator->SetSelector(car_.Path({"car"}));
+        k3::Generator::Attach(node_, generator.Get());
+    }
+    void Generate() { EXPECT_EQ(k3::GenerateMissing(*scene_, context_.Get()), 1); }
+
+    static constexpr const char* kCar = "car(chassis wheel(tyre) wheel(tyre))";
+    const Assembly car_ =
+        AssemblyBuilder("car").Child("chassis").Child("wheel", 2).Under("wheel", "tyre").Build();
+    const Counted<Context> context_ = MakeContext();
+    const Counted<k3::Scene> scene_ = Make<k3::Scene>();
+    Node* const node_ = scene_->CreateEmptyNode(0, 0, 0);
+};
+
+TEST_F(BomOfACar, StaysCompactWhenNothingWasAddedToItsNodes) {
+    Generate();
+    AddBom(*scene_, L"design");
+    const auto read = Reloaded(*scene_);
+    EXPECT_EQ(ShownBy(*read), "car") << "the nodes are made again from the graph";
+    k3::GenerateMissing(*read, context_.Get());
+    EXPECT_EQ(ShownBy(*read), kCar);
+}
+
+TEST_F(BomOfACar, StaysCompactWhileItIsNotShown) {
+    Generate();
+    AddBom(*scene_, L"design");
+    AddBom(*scene_, L"blank", true)->Activate();
+    const auto read = Reloaded(*scene_);
+    EXPECT_EQ(NodesOf(*BomAt(*read, 0)), "car");
+    BomAt(*read, 0)->Activate();
+    k3::GenerateMissing(*read, context_.Get());
+    EXPECT_EQ(ShownBy(*read), kCar);
+}
+
+/// The instance of the copied top node is in no definition's list: the first save leaves its local id out.
+TEST_F(BomOfACar, IsStoredWithItsNodesOnceTheyAreLinked) {
+    Generate();
+    AddBom(*scene_, L"design");
+    AddBom(*scene_, L"service");
+    const auto first = Make<k3::Scene>();
+    ASSERT_TRUE(LoadSceneFromBytes(Bytes(*scene_), L"test", *first, *context_));
+    const auto read = Reloaded(*first);
+    EXPECT_EQ(ShownBy(*read), kCar);
+    EXPECT_EQ(NodesOf(*BomAt(*read, 1)), kCar);
+}
+
+TEST_F(BomOfACar, IsStoredWithItsNodesWhereALayerThatIsNotShownPointsAtOne) {
+    Generate();
+    scene_->CreateLayer(L"l")->AddNode(node_->GetLastChild());
+    AddBom(*scene_, L"design");
+    AddBom(*scene_, L"blank", true)->Activate();
+    const auto read = Reloaded(*scene_);
+    EXPECT_EQ(NodesOf(*BomAt(*read, 0)), kCar);
+    const auto layers = BomAt(*read, 0)->GetLayers();
+    ASSERT_TRUE(layers);
+    const auto* members = Cast<k3::Layer>(layers->Get(0))->GetMembers();
+    EXPECT_EQ(Cast<Node>(members->Get(0))->GetName(), String(L"wheel"));
+}
+
+TEST_F(BomOfACar, ItsCopyHasNodesOfItsOwnWithTheSameInstances) {
+    Generate();
+    AddBom(*scene_, L"design");
+    const auto service = AddBom(*scene_, L"service");
+    const Node* copy = service->GetRootNode()->GetFirstChild();
+    EXPECT_EQ(TreeOf(*copy), kCar);
+    EXPECT_EQ(copy->GetParamObject(Param::kInstance), node_->GetParamObject(Param::kInstance));
+    EXPECT_EQ(copy->GetLastChild()->GetParamObject(Param::kInstance),
+              node_->GetLastChild()->GetParamObject(Param::kInstance));
+    EXPECT_EQ(k3::Generator::Get(copy), nullptr);
+}
+
+TEST_F(BomOfACar, ItsCopyMakesWhatWasNotGeneratedYet) {
+    AddBom(*scene_, L"design");
+    const auto service = AddBom(*scene_, L"service");
+    EXPECT_EQ(ShownBy(*scene_), kCar);
+    EXPECT_EQ(NodesOf(*service), kCar);
+}
+
+/// The bytes differ from those before the first switch where that gives the scene its two integers.
+TEST(BomRoad, AHundredSwitchesOfTenThousandNodesLeaveTheSameBytes) {
+    const auto scene = Make<k3::Scene>();
+    BuildNodes(SharedShape(11'111), *scene);
+    const auto design = AddBom(*scene, L"design");
+    const auto service = AddBom(*scene, L"service");
+    service->Activate();
+    design->Activate();
+    const std::string before = Bytes(*scene);
+    for (int round = 0; round < 50; ++round) {
+        service->Activate();
+        design->Activate();
+    }
+    EXPECT_TRUE(Bytes(*scene) == before);
+}
+
+TEST(BomRoad, TenThousandTopLevelNodesSwitchInTheirOrder) {
+    const auto scene = Make<k3::Scene>();
+    for (int i = 0; i < 10'000; ++i)
+        AddNode(*scene, std::to_string(i).c_str());
+    const std::string shown = ShownBy(*scene);
+    const auto design = AddBom(*scene, L"design");
+    const auto blank = AddBom(*scene, L"blank", true);
+    for (int round = 0; round < 10; ++round) {
+        blank->Activate();
+        EXPECT_EQ(scene->GetChildCount(), 0);
+        design->Activate();
+    }
+    EXPECT_TRUE(ShownBy(*scene) == shown);
+}
+
+TEST(BomRoad, AChainOfTenThousandLevelsIsCopiedSwitchedAndStored) {
+    const auto scene = Make<k3::Scene>();
+    Node* node = scene.Get();
+    for (int i = 0; i < 10'000; ++i)
+        node = AddNode(*node, "n");
+    AddBom(*scene, L"design");
+    AddBom(*scene, L"service")->Activate();
+    const auto read = Reloaded(*scene);
+    int levels = 0;
+    for (node = read->GetFirstChild(); node; node = node->GetFirstChild())
+        ++levels;
+    EXPECT_EQ(levels, 10'000);
+}
+
+TEST(BomRoad, AnEarlierChangeIsTakenBackInTheStructureThatIsShown) {
+    const auto scene = Make<k3::Scene>();
+    AddNode(*scene, "a");
+    const auto design = AddBom(*scene, L"design");
+    const auto blank = AddBom(*scene, L"blank", true);
+    scene->EnableUndo(true);
+    k3::UndoRecorder* undo = scene->GetUndoRecorder(1);
+    undo->BeginItem(L"add");
+    AddNode(*scene, "b");
+    undo->EndItem(L"add");
+    blank->Activate();
+    design->Activate();
+    EXPECT_TRUE(undo->Undo());
+    EXPECT_EQ(ShownBy(*scene), "a");
+    EXPECT_TRUE(undo->Redo());
+    EXPECT_EQ(ShownBy(*scene), "a b");
+}
+
+}  // namespace
+}  // namespace qn::test
