@@ -18,7 +18,7 @@ UndoRecord* SceneUndo::Keep(Topic topic, const void* object, int detail, Make&& 
 
 void SceneUndo::BeginItem(const String& text) {
     if (restoring_ || depth_++ > 0) return;
-    open_ = Item{text, {}};
+    open_ = Item{text, {}, Weak<Interface>(BomHelper(&scene_).GetCurrentBom()), {}};
     known_.clear();
 }
 
@@ -29,6 +29,7 @@ void SceneUndo::EndItem(const wchar_t* text) {
     if (open_.records.empty()) return;
     for (const auto& record : open_.records)
         record->Finish();
+    open_.shownAfter = BomHelper(&scene_).GetCurrentBom();
     undone_.clear();
     done_.push_back(std::exchange(open_, {}));
 }
@@ -87,8 +88,18 @@ void SceneUndo::BeforeArraysChange() {
     Keep(Topic::kArrays, &scene_, 0, [&] { return std::make_unique<ArraysRecord>(scene_); });
 }
 
+// A scene without structures shows what becomes the first one.
+bool SceneUndo::IsShown(const Interface* structure) const {
+    const BomHelper boms(&scene_);
+    const Interface* shown = boms.GetCurrentBom();
+    if (structure == shown) return true;
+    const VarArray* all = boms.GetBoms();
+    const Interface* first = all ? all->Get(0).ToInterface() : nullptr;
+    return structure ? !shown && structure == first : shown == first;
+}
+
 bool SceneUndo::Undo() {
-    if (depth_ > 0 || restoring_ || done_.empty()) return false;
+    if (depth_ > 0 || restoring_ || done_.empty() || !IsShown(done_.back().shownAfter.Get())) return false;
     Item item = std::move(done_.back());
     done_.pop_back();
     Restore(item, true);
@@ -97,7 +108,8 @@ bool SceneUndo::Undo() {
 }
 
 bool SceneUndo::Redo() {
-    if (depth_ > 0 || restoring_ || undone_.empty()) return false;
+    if (depth_ > 0 || restoring_ || undone_.empty() || !IsShown(undone_.back().shownBefore.Get()))
+        return false;
     Item item = std::move(undone_.back());
     undone_.pop_back();
     Restore(item, false);

@@ -27,7 +27,8 @@ public:
 
 /// Records changes of one scene. Besides what it is told it notices by itself, while an item is open, changes
 /// of child lists, of the scene's arrays, of layers and of the selection, and which structure is shown, so
-/// that what was deleted comes back in its place.
+/// that what was deleted comes back in its place. While the scene shows another structure than the one that
+/// an item changed, the item can be neither taken back nor done again.
 class SceneUndo final : public UndoRecorder {
 public:
     explicit SceneUndo(Scene& scene) : scene_(scene) {}
@@ -55,9 +56,12 @@ private:
     struct Item {
         String text;
         std::vector<std::unique_ptr<UndoRecord>> records;
+        Weak<Interface> shownBefore, shownAfter;  // the structure; null where the scene had none
     };
     enum class Topic { kFields, kChildren, kTrack, kParam, kListed, kMembers, kArrays };
 
+    /// Whether the scene shows that structure.
+    bool IsShown(const Interface* structure) const;
     bool IsOpen() const { return depth_ > 0 && !restoring_; }
     /// The record of that topic in the open item; made by `make` if there is none. Null outside of an item.
     template <class Make>

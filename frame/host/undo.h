@@ -22,7 +22,8 @@ public:
     virtual void RecordTrack(Node* node, int reserved) = 0;
     /// One parameter of an object before it changes.
     virtual void RecordParam(Extension* object, int id, const Var& value) = 0;
-    /// False if there is nothing to take back or do again.
+    /// False if there is nothing to take back or do again, or if another structure is shown than at that
+    /// time.
     virtual bool Undo() = 0;
     virtual bool Redo() = 0;
 

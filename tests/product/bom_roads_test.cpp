@@ -158,22 +158,71 @@ TEST(BomRoad, AChainOfTenThousandLevelsIsCopiedSwitchedAndStored) {
     EXPECT_EQ(levels, 10'000);
 }
 
-TEST(BomRoad, AnEarlierChangeIsTakenBackInTheStructureThatIsShown) {
+/// A scene "a" with a second, empty structure, and one undo item that added "b".
+class ChangeBeforeASwitch : public testing::Test {
+protected:
+    void SetUp() override {
+        scene_->EnableUndo(true);
+        undo_ = scene_->GetUndoRecorder(1);
+        undo_->BeginItem(L"add");
+        AddNode(*scene_, "b");
+        undo_->EndItem(L"add");
+    }
+    const Counted<k3::Scene> scene_ = Make<k3::Scene>();
+    Node* const a_ = AddNode(*scene_, "a");
+    const Counted<BomImpl> design_ = AddBom(*scene_, L"design");
+    const Counted<BomImpl> blank_ = AddBom(*scene_, L"blank", true);
+    k3::UndoRecorder* undo_ = nullptr;
+};
+
+TEST_F(ChangeBeforeASwitch, IsNotTakenBackWhileAnotherStructureIsShown) {
+    blank_->Activate();
+    EXPECT_FALSE(undo_->Undo());
+    EXPECT_EQ(ShownBy(*scene_), "");
+    EXPECT_EQ(NodesOf(*design_), "a b");
+}
+
+TEST_F(ChangeBeforeASwitch, IsTakenBackOnceItsStructureIsShownAgain) {
+    blank_->Activate();
+    design_->Activate();
+    EXPECT_TRUE(undo_->Undo());
+    EXPECT_EQ(ShownBy(*scene_), "a");
+    blank_->Activate();
+    EXPECT_FALSE(undo_->Redo());
+    design_->Activate();
+    EXPECT_TRUE(undo_->Redo());
+    EXPECT_EQ(ShownBy(*scene_), "a b");
+}
+
+TEST(ChangeBeforeTheFirstStructure, IsTakenBackInIt) {
     const auto scene = Make<k3::Scene>();
-    AddNode(*scene, "a");
-    const auto design = AddBom(*scene, L"design");
-    const auto blank = AddBom(*scene, L"blank", true);
     scene->EnableUndo(true);
     k3::UndoRecorder* undo = scene->GetUndoRecorder(1);
     undo->BeginItem(L"add");
-    AddNode(*scene, "b");
+    AddNode(*scene, "a");
     undo->EndItem(L"add");
-    blank->Activate();
-    design->Activate();
+    const auto design = AddBom(*scene, L"design");
+    EXPECT_TRUE(undo->Undo());
+    EXPECT_EQ(ShownBy(*scene), "");
+    EXPECT_TRUE(undo->Redo());
+    EXPECT_EQ(ShownBy(*scene), "a");
+}
+
+TEST(ChangeBeforeTheFirstStructure, MayBeTheStructureItself) {
+    const auto scene = Make<k3::Scene>();
+    AddNode(*scene, "a");
+    scene->EnableUndo(true);
+    k3::UndoRecorder* undo = scene->GetUndoRecorder(1);
+    undo->BeginItem(L"create");
+    const auto blank = AddBom(*scene, L"blank", true);
+    undo->EndItem(L"create");
+    EXPECT_EQ(ShownBy(*scene), "");
     EXPECT_TRUE(undo->Undo());
     EXPECT_EQ(ShownBy(*scene), "a");
+    EXPECT_EQ(BomHelper(scene.Get()).GetCurrentBom(), nullptr);
     EXPECT_TRUE(undo->Redo());
-    EXPECT_EQ(ShownBy(*scene), "a b");
+    EXPECT_EQ(ShownBy(*scene), "");
+    EXPECT_EQ(BomHelper(scene.Get()).GetCurrentBom(), static_cast<Interface*>(blank.Get()));
 }
 
 }  // namespace

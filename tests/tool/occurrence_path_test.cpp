@@ -1,6 +1,7 @@
 #include "tool/occurrence_path.h"
 
 #include "frame/host/scene.h"
+#include "tests/support/generated_scene.h"
 #include "tool/failure.h"
 #include "tool/structure_counts.h"
 
@@ -102,6 +103,14 @@ TEST(OccurrencePath, OfANodeInAStructureThatIsNotShownEndsBelowItsRoot) {
     tool::NodePaths paths;
     EXPECT_EQ(paths.PathOf(*top->GetFirstChild()), "top/(no name)");
     EXPECT_EQ(paths.PathOf(*root), "(no name)");
+}
+
+TEST(OccurrencePath, OfANodeThatWasNotGeneratedIsThatOfItsDefinition) {
+    const auto scene = qn::test::GeneratedScene(qn::test::AssemblyBuilder("car").Child("axle").Build());
+    qn::k3::Node* const top = scene->GetFirstChild();
+    top->SetName(L"file");
+    top->DeleteParam(qn::Param::kInstance);
+    EXPECT_EQ(tool::NodePaths().PathOf(*top), "car");
 }
 
 TEST(OccurrencePath, OfTenThousandSiblingsIsFoundOnce) {
