@@ -34,8 +34,8 @@ std::string Word(std::size_t value) {
     return {reinterpret_cast<const char*>(&word), sizeof(word)};
 }
 
-/// A binary file from a recipe, whose sizes always fit, so that mutations reach text and buffers: 'R', then the
-/// text, a zero and the binary part.
+/// A binary file from a recipe, whose sizes always fit, so that mutations reach text and buffers: 'R', then
+/// the text, a zero and the binary part.
 std::string FileFromRecipe(std::string_view recipe) {
     const std::string_view text = recipe.substr(0, recipe.find('\0'));
     const std::string_view bytes = recipe.substr(std::min(text.size() + 1, recipe.size()));

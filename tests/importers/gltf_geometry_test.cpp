@@ -51,9 +51,11 @@ class GltfParts {
 public:
     /// A view of those bytes; `more` are further members.
     int View(const std::string& bytes, const std::string& more = "") {
-        while (bytes_.size() % 4) bytes_ += '\0';
+        while (bytes_.size() % 4)
+            bytes_ += '\0';
         views_ += (views_.empty() ? "" : ",") + std::string(R"({"buffer":0,"byteOffset":)") +
-                  std::to_string(bytes_.size()) + R"(,"byteLength":)" + std::to_string(bytes.size()) + more + "}";
+                  std::to_string(bytes_.size()) + R"(,"byteLength":)" + std::to_string(bytes.size()) + more +
+                  "}";
         bytes_ += bytes;
         return viewCount_++;
     }
@@ -62,8 +64,9 @@ public:
         return accessorCount_++;
     }
     int Accessor(int view, int type, std::size_t count, const char* shape, const std::string& more = "") {
-        return Accessor(R"("bufferView":)" + std::to_string(view) + R"(,"componentType":)" + std::to_string(type) +
-                        R"(,"count":)" + std::to_string(count) + R"(,"type":")" + shape + "\"" + more);
+        return Accessor(R"("bufferView":)" + std::to_string(view) + R"(,"componentType":)" +
+                        std::to_string(type) + R"(,"count":)" + std::to_string(count) + R"(,"type":")" +
+                        shape + "\"" + more);
     }
     int Positions(const Floats& numbers) {
         return Accessor(View(BytesOf(numbers)), 5126, numbers.size() / 3, "VEC3");
@@ -100,7 +103,8 @@ TEST(GltfMesh, ReadsTrianglesInMillimetres) {
 TEST(GltfMesh, NumbersTheCornersItselfWhereThereAreNoIndices) {
     GltfParts parts;
     parts.Positions({0, 0, 0, 1, 0, 0, 0, 1, 0});
-    EXPECT_EQ(ReadMesh(parts.File(R"({"attributes":{"POSITION":0}})")).mesh->GetIndices(), (Indices{0, 1, 2}));
+    EXPECT_EQ(ReadMesh(parts.File(R"({"attributes":{"POSITION":0}})")).mesh->GetIndices(),
+              (Indices{0, 1, 2}));
 }
 
 TEST(GltfMesh, TakesStripsAndFansApart) {
@@ -167,7 +171,8 @@ TEST(GltfMesh, PutsSparseValuesIn) {
     const int indices = parts.View(BytesOf<std::uint8_t>({2}));
     const int values = parts.View(BytesOf<float>({0, 5, 0}));
     const std::string sparse = R"(,"sparse":{"count":1,"indices":{"bufferView":)" + std::to_string(indices) +
-                               R"(,"componentType":5121},"values":{"bufferView":)" + std::to_string(values) + "}}";
+                               R"(,"componentType":5121},"values":{"bufferView":)" + std::to_string(values) +
+                               "}}";
     parts.Accessor(base, 5126, 3, "VEC3", sparse);
     parts.Accessor(R"("componentType":5126,"count":3,"type":"VEC3")" + sparse);
     EXPECT_EQ(ReadMesh(parts.File(R"({"attributes":{"POSITION":0}})")).mesh->GetPositions()[7], 5000);
@@ -182,10 +187,12 @@ TEST(GltfMesh, UnpacksViewsOfMeshopt) {
     const Indices corners = {0, 1, 2, 0, 2, 3};
     std::vector<unsigned char> packed(meshopt_encodeIndexBufferBound(6, 4));
     packed.resize(meshopt_encodeIndexBuffer(packed.data(), packed.size(), corners.data(), 6));
-    const auto extension = [](std::size_t offset, std::size_t length, int stride, int count, const char* mode) {
-        return R"(,"extensions":{"EXT_meshopt_compression":{"buffer":0,"byteOffset":)" + std::to_string(offset) +
-               R"(,"byteLength":)" + std::to_string(length) + R"(,"byteStride":)" + std::to_string(stride) +
-               R"(,"count":)" + std::to_string(count) + R"(,"mode":")" + mode + "\"}}";
+    const auto extension = [](std::size_t offset, std::size_t length, int stride, int count,
+                              const char* mode) {
+        return R"(,"extensions":{"EXT_meshopt_compression":{"buffer":0,"byteOffset":)" +
+               std::to_string(offset) + R"(,"byteLength":)" + std::to_string(length) + R"(,"byteStride":)" +
+               std::to_string(stride) + R"(,"count":)" + std::to_string(count) + R"(,"mode":")" + mode +
+               "\"}}";
     };
     GltfParts parts;
     parts.View(BytesOf(vertices), extension(0, vertices.size(), 12, 4, "ATTRIBUTES"));
@@ -201,9 +208,10 @@ TEST(GltfMesh, UnpacksViewsOfMeshopt) {
 
 TEST(GltfMesh, RefusesDamagedViewsOfMeshopt) {
     GltfParts parts;
-    parts.View(std::string(40, 'x'),
-               R"(,"extensions":{"EXT_meshopt_compression":{"buffer":0,"byteLength":40,"byteStride":12,"count":3,)"
-               R"("mode":"ATTRIBUTES"}})");
+    parts.View(
+        std::string(40, 'x'),
+        R"(,"extensions":{"EXT_meshopt_compression":{"buffer":0,"byteLength":40,"byteStride":12,"count":3,)"
+        R"("mode":"ATTRIBUTES"}})");
     parts.Accessor(0, 5126, 3, "VEC3");
     EXPECT_EQ(ReadMesh(parts.File(R"({"attributes":{"POSITION":0}})")).error,
               "/bufferViews/0/extensions/EXT_meshopt_compression: the packed bytes are damaged");
@@ -251,9 +259,10 @@ TEST(GltfMesh, RefusesDamagedPrimitivesOfDraco) {
 TEST(DamagedGltfBuffers, TellsWhatIsMissing) {
     const auto errorOf = [](const std::string& buffers) {
         GltfParts parts;
-        std::string file = GltfText(buffers + R"(,"bufferViews":[{"buffer":0,"byteLength":36}],"accessors":[{)"
-                                              R"("bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}],)"
-                                              R"("meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}])");
+        std::string file =
+            GltfText(buffers + R"(,"bufferViews":[{"buffer":0,"byteLength":36}],"accessors":[{)"
+                               R"("bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}],)"
+                               R"("meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}])");
         return ReadMesh(file, std::filesystem::temp_directory_path());
     };
     EXPECT_EQ(errorOf(R"("buffers":[{"byteLength":36}])").error,
@@ -281,8 +290,10 @@ TEST(DamagedGltfBuffers, ComparesEveryRangeWithTheBytesThatAreThere) {
               "/bufferViews/0: expected a piece of the 36 bytes of its buffer, found bytes 4 to 40");
     EXPECT_EQ(errorOf(view, R"({"bufferView":0,"componentType":5126,"count":4,"type":"VEC3"})"),
               "/accessors/0: 4 elements need 48 bytes from byte 0 on, the buffer view has 36");
-    EXPECT_EQ(errorOf(view, R"({"bufferView":0,"byteOffset":8589934592,"componentType":5126,"count":3,"type":"VEC3"})"),
-              "/accessors/0: 3 elements need 36 bytes from byte 8589934592 on, the buffer view has 36");
+    EXPECT_EQ(
+        errorOf(view,
+                R"({"bufferView":0,"byteOffset":8589934592,"componentType":5126,"count":3,"type":"VEC3"})"),
+        "/accessors/0: 3 elements need 36 bytes from byte 8589934592 on, the buffer view has 36");
     EXPECT_EQ(errorOf(view, R"({"bufferView":0,"componentType":5126,"count":3,"type":"VEC2"})"),
               "/accessors/0/type: expected 3 components, found 2");
     EXPECT_EQ(errorOf(view, R"({"bufferView":0,"componentType":7,"count":3,"type":"VEC3"})"),
@@ -309,8 +320,8 @@ TEST(GltfUri, FindsFilesByPercentEncodedNames) {
 
 TEST(GltfUri, RefusesFilesThatAreNotBelowTheFolder) {
     const test::TempFolder folder;
-    for (const char* uri : {"../a.bin", "/etc/passwd", "%2e%2e/a.bin", "x/../../a.bin", "", ".", "http://host/a.bin",
-                            "file:///etc/passwd", "C:a.bin"})
+    for (const char* uri : {"../a.bin", "/etc/passwd", "%2e%2e/a.bin", "x/../../a.bin", "", ".",
+                            "http://host/a.bin", "file:///etc/passwd", "C:a.bin"})
         EXPECT_THROW(ResolveUri(uri, folder.Path()), GltfError) << uri;
 }
 
