@@ -60,7 +60,10 @@ int main(int argc, char** argv) {
     assembly::tool::AddRun(app);
     assembly::tool::AddModule(app);
     assembly::tool::AddLimits(app);
-    app.formatter(std::make_shared<assembly::tool::HelpFormatter>());
+    const auto help = std::make_shared<assembly::tool::HelpFormatter>();
+    app.formatter(help);
+    for (CLI::App* verb : app.get_subcommands({}))
+        if (!verb->get_subcommands({}).empty()) verb->formatter(help);
     try {
         app.parse(argc, argv);
         return ToInt(ExitCode::kFine);
