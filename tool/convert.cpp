@@ -83,7 +83,8 @@ void Run(const Options& options) {
     Session session(options.progress);
     const bool follows = options.follow.levels > 0;
     const NamedFiles files = follows ? LookAhead(session, options) : NamedFiles();
-    const auto scene = session.Load(options.load);
+    const bool isExport = IsGltfName(options.output) && !follows;
+    const auto scene = isExport ? LoadForExport(session, options.load) : session.Load(options.load);
     if (follows) MergeAll(session, *scene, files, options);
     if (options.expand) GenerateNodes(*scene, session.GetContext());
     Write(*scene, session, options);

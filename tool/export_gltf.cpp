@@ -5,6 +5,7 @@
 #include "tool/failure.h"
 #include "tool/structure.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -53,6 +54,21 @@ ExitCode CodeOf(gltf::Outcome outcome) {
 bool IsGltfName(const std::string& file) {
     const auto ending = std::filesystem::path(file).extension();
     return ending == kBinaryEnding || ending == kTextEnding;
+}
+
+qn::Counted<qn::k3::Scene> LoadForExport(Session& session, LoadRequest request) {
+    request.graphOnly = true;
+    auto scene = session.Load(request);
+    const Structure structure = ReadStructure(*scene, session.GetContext());
+    // Paths of single occurrences can be read through an index alone.
+    const auto hasHiddenPaths = [](const Use& use) {
+        return use.instance && use.instance->GetSelectorCount() > 0 && !use.instance->GetLookupTable();
+    };
+    const bool needsIndex = std::any_of(structure.uses.begin(), structure.uses.end(), hasHiddenPaths) ||
+                            std::any_of(structure.roots.begin(), structure.roots.end(), hasHiddenPaths);
+    if (!needsIndex) return scene;
+    request.graphOnly = false;
+    return session.Load(request);
 }
 
 void ExportGltf(qn::k3::Scene& scene, Session& session, const GltfRequest& request) {

@@ -48,6 +48,7 @@ public:
     explicit Reader(ExportModel& model) : out_(model) {}
 
     void Read(const Assembly& assembly) {
+        container_ = assembly.container;
         for (const Root& root : assembly.roots)
             if (root.definition) AddUse(kNone, root.instance, *root.definition);
         out_.rootCount = static_cast<std::uint32_t>(out_.uses.size());
@@ -127,15 +128,36 @@ private:
         use.overrideCount = static_cast<std::uint32_t>(out_.overrides.size()) - use.firstOverride;
     }
 
+    bool IsContainersUse(const Instance* element) const {
+        return container_ && element->GetReference() == container_;
+    }
+
+    std::uint32_t KnownUse(const Instance* element) const {
+        const auto found = uses_.find(element);
+        return found == uses_.end() ? kNone : found->second;
+    }
+
+    /// Paths begin with the use of a root, which a stored scene does not share with its paths: any use of the
+    /// root's definition that stands nowhere else is that one.
+    std::uint32_t FirstUse(const Instance* element) const {
+        const std::uint32_t known = KnownUse(element);
+        for (std::uint32_t root = 0; known == kNone && root < out_.rootCount; ++root)
+            if (out_.definitions[out_.uses[root].definition].reference == element->GetReference())
+                return root;
+        return known;
+    }
+
     void AddOverride(std::uint32_t index, const graph::Selector& selector) {
         const Var attributes = selector.GetAttributes();
         if (!selector.IsValid() || !attributes.IsMap()) return;
         OverrideRow row;
         row.use = index;
         for (int i = 0; i < selector.GetPathElementCount(); ++i) {
-            const auto found = uses_.find(selector.GetPathElement(static_cast<unsigned>(i)));
-            if (found == uses_.end()) return;  // leads elsewhere: no occurrence of this tree is meant
-            row.path.push_back(found->second);
+            const Instance* element = selector.GetPathElement(static_cast<unsigned>(i));
+            if (i == 0 && IsContainersUse(element)) continue;
+            const std::uint32_t use = i == 0 ? FirstUse(element) : KnownUse(element);
+            if (use == kNone) return;  // leads elsewhere: no occurrence of this tree is meant
+            row.path.push_back(use);
         }
         if (row.path.empty() || row.path.back() != index) return;
         row.attributes = attributes;
@@ -154,6 +176,7 @@ private:
     }
 
     ExportModel& out_;
+    const Reference* container_ = nullptr;
     std::unordered_map<const Reference*, std::uint32_t> definitions_;
     std::unordered_map<const Instance*, std::uint32_t> uses_;
 };

@@ -209,6 +209,20 @@ TEST_F(GltfExport, AMovedNodeOfASharedUseIsReadFromTheNodes) {
     EXPECT_NE(run.err.find("changed after it was written"), std::string::npos) << run.err;
 }
 
+TEST_F(GltfExport, WhatOneOccurrenceSaysGoesThroughAStoredSceneToo) {
+    json text = json::parse(ReadAll(Convert(Sample(), File("a.gltf"))));
+    const int inner = text["nodes"][1]["children"][0];
+    const int use = text["nodes"][inner]["extras"]["assembly"]["use"];
+    text["extras"]["assembly"]["overrides"] = {
+        {{"use", use}, {"path", {0, use}}, {"attributes", {{"name", "spare"}}}}};
+    WriteAll(File("a.gltf"), text.dump());
+    const std::string scene = Convert(File("a.gltf"), File("a.qn"));
+    const json back = TextOf(Convert(scene, File("b.glb")));
+    EXPECT_EQ(back["extras"]["assembly"]["overrides"], text["extras"]["assembly"]["overrides"]);
+    EXPECT_EQ(back["nodes"][inner]["name"], "spare");
+    EXPECT_EQ(Tree(File("b.glb")), Tree(File("a.gltf")));
+}
+
 TEST_F(GltfExport, AFolderInTheWayIsFourAndStays) {
     fs::create_directory(File("a.glb"));
     const ToolRun run = RunTool({"convert", Sample(), File("a.glb")});
