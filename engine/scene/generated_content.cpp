@@ -6,6 +6,8 @@
 #include "frame/host/context.h"
 #include "frame/host/generator.h"
 #include "frame/host/params.h"
+#include "graph/instance.h"
+#include "graph/reference.h"
 
 namespace qn::k3 {
 namespace {
@@ -44,13 +46,23 @@ bool HasUsableGenerator(const Node& node) {
 
 }  // namespace
 
+bool HasOtherHierarchy(const Node& node) {
+    const Generator* generator = Generator::Get(&node);
+    Interface* root = generator ? generator->GetGeneratedRoot() : nullptr;
+    if (!root) return false;
+    const auto* instance = Cast<graph::Instance>(node.GetParamObject(Param::kInstance));
+    if (instance) return static_cast<Interface*>(instance->GetReference()) != root;
+    return SceneAccess::MarkOf(node) || SceneAccess::AreChildrenStored(node);
+}
+
 void MarkGenerated(Node& node) {
     SceneAccess::SetMark(node, {SceneAccess::Epoch(), FingerprintBelow(node)});
     SceneAccess::NextEpoch();
 }
 
 bool CanGenerateChildren(const Node& node) {
-    if (SceneAccess::AreChildrenStored(node) || !HasUsableGenerator(node)) return false;
+    if (SceneAccess::AreChildrenStored(node) || !HasUsableGenerator(node) || HasOtherHierarchy(node))
+        return false;
     if (!node.GetFirstChild()) return true;
     const GeneratedMark* mark = SceneAccess::MarkOf(node);
     return mark && !SceneAccess::IsPointedInto(node) && IsUntouched(node, *mark);

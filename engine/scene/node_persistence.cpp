@@ -39,24 +39,33 @@ graph::Reference* GeneratedRootOf(const Node& node) {
     return generator ? Cast<graph::Reference>(generator->GetGeneratedRoot()) : nullptr;
 }
 
-/// Takes the instance of a generator's own node out of the parameters while it lives: the generator makes
-/// that instance anew at each load, so a stored one would stand beside it.
-class WithoutOwnInstance {
+/// How the instance of a generator's own node is stored, while it lives. The generator makes its own instance
+/// anew at each load, so that one is left out. An instance of another hierarchy stays; that there is none,
+/// although the generator ran, is said by `false` in its place.
+class StoredInstance {
 public:
-    WithoutOwnInstance(const Node& node, Params* params) : params_(GeneratedRootOf(node) ? params : nullptr) {
-        if (!params_) return;
-        instance_ = params_->GetParamVar(Param::kInstance);
-        params_->DeleteParam(Param::kInstance);
+    explicit StoredInstance(Node& node) : node_(node), present_(node.GetParamVar(Param::kInstance)) {
+        const graph::Reference* root = GeneratedRootOf(node);
+        if (!root || HasOtherHierarchy(node) == present_.IsSet()) return;
+        replaced_ = true;
+        SetParameter(present_.IsSet() ? Var() : Var(false));
     }
-    ~WithoutOwnInstance() {
-        if (params_ && instance_.IsSet()) params_->SetParamVar(Param::kInstance, instance_);
+    ~StoredInstance() {
+        if (replaced_) SetParameter(present_);
     }
-    WithoutOwnInstance(const WithoutOwnInstance&) = delete;
-    WithoutOwnInstance& operator=(const WithoutOwnInstance&) = delete;
+    StoredInstance(const StoredInstance&) = delete;
+    StoredInstance& operator=(const StoredInstance&) = delete;
 
 private:
-    Params* params_;
-    Var instance_;
+    /// Past the node's own calls, for which this would be a change.
+    void SetParameter(const Var& value) {
+        if (Params* params = node_.Extension::GetParams(value.IsSet()))
+            params->SetParamVar(Param::kInstance, value);
+    }
+
+    Node& node_;
+    Var present_;
+    bool replaced_ = false;
 };
 
 /// Whether the node still belongs to the hierarchy that made its children. None of them carries an instance
@@ -72,15 +81,17 @@ bool HasTiedChild(const Node& node) {
 ResultEnum Node::Load(Stream* stream, Context* context) {
     const ResultEnum result = ReferenceSource::Load(stream, context);
     const graph::Reference* root = SceneAccess::AreChildrenStored(*this) ? GeneratedRootOf(*this) : nullptr;
-    if (!root || GetParamVar(Param::kInstance).IsSet() || !HasTiedChild(*this)) return result;
-    if (const auto instance = root->GetInstance(root->GetInstanceCount() - 1))
-        SetParamVar(Param::kInstance, Var(instance));
+    const Var instance = GetParamVar(Param::kInstance);
+    if (instance.GetTag() == VarTag::kBool) DeleteParam(Param::kInstance);
+    if (!root || instance.IsSet() || !HasTiedChild(*this)) return result;
+    if (const auto own = root->GetInstance(root->GetInstanceCount() - 1))
+        SetParamVar(Param::kInstance, Var(own));
     return result;
 }
 
 ResultEnum Node::Save(Stream* stream, Context* context) {
     {
-        const WithoutOwnInstance guard(*this, params_);
+        const StoredInstance guard(*this);
         const ResultEnum base = ReferenceSource::Save(stream, context);
         if (base != ResultEnum::kSuccess) return base;
     }
@@ -117,7 +128,7 @@ ResultEnum Node::SaveFields(Stream* stream, Context* context) const {
 }
 
 ResultEnum Node::SaveChildren(Stream* stream, Context* context) const {
-    const bool stored = SceneAccess::AreChildrenStored(*this);
+    const bool stored = SceneAccess::AreChildrenStored(*this) || HasOtherHierarchy(*this);
     if (!first_ && !stored) return ResultEnum::kSuccess;
     if (!WritesGenerated(stream) && CanGenerateChildren(*this)) return ResultEnum::kSuccess;
     ChunkWriter chunk(stream, NodeChunk::kChildren);
