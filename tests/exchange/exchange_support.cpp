@@ -1,10 +1,9 @@
 #include "tests/exchange/exchange_support.h"
 
-#include "construction/hierarchy_generator.h"
 #include "engine/scene/generated_content.h"
 #include "engine/scene/tree_walk.h"
 #include "engine/stream/scene_file.h"
-#include "frame/host/api.h"
+#include "tests/support/generated_scene.h"
 
 #include <filesystem>
 #include <map>
@@ -14,7 +13,6 @@
 namespace qn::test {
 namespace {
 
-using graph::ClassKey::kHierarchyGenerator;
 using graph::Prop::kBsId;
 using graph::Prop::kName;
 
@@ -42,17 +40,6 @@ Assembly GraphOf(const AssemblyShape& shape) {
     return assembly;
 }
 
-/// A top node with a generator for the graph.
-k3::Node* AddGenerated(k3::Scene& scene, const Assembly& assembly) {
-    k3::Node* top = scene.CreateEmptyNode(0, 0, 0);
-    const auto generator = CreateAs<graph::HierarchyGenerator>(kHierarchyGenerator);
-    graph::Selector path;
-    path.AppendPathElement(assembly.RootInstance());
-    generator->SetSelector(path);
-    k3::Generator::Attach(top, generator.Get());
-    return top;
-}
-
 int PlaceAmongSiblings(const k3::Node& node) {
     int place = 1;
     for (k3::Node* other = node.GetParent()->GetFirstChild(); other != &node; other = other->GetNextSibling())
@@ -77,9 +64,8 @@ void Furnish(k3::Node& top) {
 }  // namespace
 
 Counted<k3::Scene> SceneOf(const AssemblyShape& shape) {
-    auto scene = Make<k3::Scene>();
-    const Assembly assembly = GraphOf(shape);
-    k3::Node* top = AddGenerated(*scene, assembly);
+    auto scene = GeneratedScene(GraphOf(shape));
+    k3::Node* top = scene->GetFirstChild();
     EXPECT_EQ(k3::GenerateMissing(*scene, MakeContext().Get()), 1);
     k3::Generator::Detach(top);
     Furnish(*top);
@@ -93,9 +79,8 @@ String WriteFile(const TempFolder& folder, const char* name, k3::Scene& scene) {
 }
 
 String WriteCompactFile(const TempFolder& folder, const char* name, const AssemblyShape& shape) {
-    const auto scene = Make<k3::Scene>();
-    const Assembly assembly = GraphOf(shape);
-    AddGenerated(*scene, assembly)->SetName(L"file");
+    const auto scene = GeneratedScene(GraphOf(shape));
+    scene->GetFirstChild()->SetName(L"file");
     return WriteFile(folder, name, *scene);
 }
 

@@ -2,6 +2,8 @@
 
 #include "engine/stream/scene_file.h"
 #include "exchange/spatial_index.h"
+#include "frame/host/api.h"
+#include "product/bom.h"
 #include "tests/exchange/exchange_support.h"
 
 #include <gmock/gmock.h>
@@ -76,6 +78,17 @@ TEST_F(ShallowExportTest, TakesANodeAsStructure) {
     EXPECT_EQ(written["name"], "wheel");
     EXPECT_EQ(written["selectors"].size(), 2u);
     EXPECT_TRUE(written["selectors"][0]["parent"].is_null());
+}
+
+TEST_F(ShallowExportTest, TakesABillOfMaterialsAsStructure) {
+    const auto bom = CreateAs<k3::Bom>(k3::kBomKey);
+    ASSERT_TRUE(bom);
+    bom->SetScene(scene_.Get());
+    ASSERT_EQ(bom->Initialize(Var(L"service"), false), ResultEnum::kSuccess);
+    call_.structure = bom.Get();
+    const json written = Exported();
+    EXPECT_EQ(written["name"], "service");
+    EXPECT_EQ(written["selectors"].size(), 10u);
 }
 
 TEST_F(ShallowExportTest, EndsAtTheWantedLevel) {
