@@ -17,6 +17,12 @@ using qn::graph::Instance;
 
 constexpr std::uint32_t kNone = static_cast<std::uint32_t>(-1);
 
+/// Whether the file is one definition. Else it is what stands around its roots.
+bool IsOneDefinition(const NamedFile& file) {
+    const auto& tops = file.structure.tops;
+    return file.structure.roots.size() == 1 && (tops.empty() || !tops.front().inContainer);
+}
+
 /// What stands for a definition of one file in the whole.
 struct Row {
     std::uint32_t file = 0;
@@ -59,7 +65,7 @@ private:
         return end;
     }
 
-    /// The root of a file takes the place of the definition. Where a file has several roots, or none, the
+    /// The root of a file takes the place of the definition. Where a file is no single definition, the
     /// first definition that names it gets them as its uses, and takes the place of the others.
     void PutContent(std::uint32_t number, std::uint32_t named) {
         NamedFile& file = files_[named];
@@ -69,7 +75,7 @@ private:
             ShareUnread(number, named);
             return;
         }
-        if (file.structure.roots.size() == 1) {
+        if (IsOneDefinition(file)) {
             const std::uint32_t root = first_[named] + file.structure.roots.front().definition;
             Definition& content = DefinitionOf(rows_[root]);
             if (content.name.empty()) content.name = naming.name;
@@ -157,7 +163,8 @@ private:
         const std::uint32_t number = first_[file] + use.definition;
         PlaceContent(use, number);
         const auto& roots = files_[file].structure.roots;
-        const Instance* root = file > 0 && roots.size() == 1 ? roots.front().instance : nullptr;
+        const bool losesRoot = file > 0 && IsOneDefinition(files_[file]);
+        const Instance* root = losesRoot ? roots.front().instance : nullptr;
         for (Override& override : use.overrides)
             if (root && override.path.size() > 1 && override.path.front() == root)
                 override.path.erase(override.path.begin());
@@ -166,8 +173,8 @@ private:
 
     void PlaceContent(Use& use, std::uint32_t number) {
         for (const FileNaming* naming = NamingOf(number); naming;) {
+            if (!IsOneDefinition(files_[naming->file])) return;
             const auto& roots = files_[naming->file].structure.roots;
-            if (roots.size() != 1) return;
             if (!roots.front().local.IsIdentity(0.0)) use.local.SetMul(roots.front().local, use.local);
             naming = NamingOf(first_[naming->file] + roots.front().definition);
         }

@@ -65,7 +65,10 @@ class Binding {
 public:
     Binding(qn::k3::Scene& scene, qn::Context& context) : context_(static_cast<qn::ContextImpl&>(context)) {
         const int before = CountViews(scene);
-        context_.SetImportFunction([this, before](qn::k3::Node& top) { BindTop(top, before, context_); });
+        context_.SetImportFunction([this, before](qn::k3::Node& top) {
+            if (const Reference* root = RootOf(top)) target_ = root->GetTarget();
+            BindTop(top, before, context_);
+        });
     }
     ~Binding() { context_.SetImportFunction(nullptr); }
     Binding(const Binding&) = delete;
