@@ -1,6 +1,7 @@
 #include "tool/definition_check.h"
 
 #include "construction/hierarchy_factory.h"
+#include "engine/stream/pointer_index.h"
 #include "frame/host/api.h"
 #include "graph/persistent_selector.h"
 #include "graph/stored_selectors.h"
@@ -28,89 +29,93 @@ struct PendingOverride {
     Var stored;
 };
 
-/// One walk over all definitions, each once, users first.
+/// One walk over all definitions, each once, users first. They must not change meanwhile.
 class DefinitionWalk {
 public:
-    explicit DefinitionWalk(const std::vector<DefinitionRoot>& roots) {
-        for (const DefinitionRoot& root : roots)
-            Run(root);
+    explicit DefinitionWalk(const std::vector<DefinitionRoot>& roots) : roots_(roots) {
+        for (std::size_t i = 0; i < roots.size(); ++i)
+            Run(*roots[i].definition, static_cast<int>(i));
     }
 
-    /// What was found, overrides last. The roots must still be there.
+    /// What was found, overrides last.
     std::vector<DefinitionFault> Finish() {
         for (PendingOverride& pending : overrides_)
             if (!MatchesAny(pending)) faults_.push_back(std::move(pending.place));
         for (DefinitionFault& fault : faults_)
-            fault.path = PathOf(fault.definition.Get(), fault.child);
+            fault.path = PathOf(index_.Find(fault.definition.Get()), fault.child);
         return std::move(faults_);
     }
 
 private:
-    /// How a definition was met first.
-    struct Meeting {
-        const Reference* owner = nullptr;  // null: as a root
-        int child = 0;
-        const std::string* rootPath = nullptr;
+    static constexpr std::uint32_t kNone = qn::PointerIndex::kNone;
+
+    /// A definition with uses of others, and how it was met first.
+    struct Met {
+        Reference* definition;
+        std::uint32_t owner;  ///< kNone: as a root
+        int child;            ///< the use in the owner, or the number of the root
+        int next = 0;         ///< the use to be looked at
         bool isOpen = true;
     };
-    struct Level {
-        Counted<Reference> definition;
-        int next = 0;
-    };
 
-    void Run(const DefinitionRoot& root) {
-        tops_.insert(root.definition.Get());
-        if (met_.contains(root.definition.Get())) return;
-        Open(root.definition, {nullptr, 0, &root.path});
-        while (!levels_.empty()) {
-            Level& level = levels_.back();
-            if (level.next == level.definition->GetChildCount()) {
-                met_[level.definition.Get()].isOpen = false;
-                levels_.pop_back();
-                continue;
+    void Run(Reference& root, int number) {
+        tops_.insert(&root);
+        if (index_.Find(&root) == kNone) Open(root, kNone, number);
+        while (!open_.empty()) {
+            Met& met = met_[open_.back()];
+            if (met.next == met.definition->GetChildCount()) {
+                met.isOpen = false;
+                open_.pop_back();
+            } else {
+                const int child = met.next++;
+                Take(open_.back(), child, met.definition->GetChild(child));
             }
-            const Counted<Reference> owner = level.definition;
-            const int child = level.next++;
-            Take(owner, child, owner->GetChild(child));
         }
     }
 
-    void Open(Counted<Reference> definition, const Meeting& meeting) {
-        met_.emplace(definition.Get(), meeting);
-        levels_.push_back({std::move(definition)});
+    void Open(Reference& definition, std::uint32_t owner, int child) {
+        const auto number = static_cast<std::uint32_t>(met_.size());
+        index_.Insert(&definition, number);
+        met_.push_back({&definition, owner, child});
+        open_.push_back(number);
     }
 
-    void Take(const Counted<Reference>& owner, int child, const Counted<Instance>& use) {
+    void Take(std::uint32_t owner, int child, const Counted<Instance>& use) {
         Reference* const used = use ? use->GetReference() : nullptr;
         if (!used) return Add(FindingKind::kUseWithoutDefinition, owner, child, use);
         if (use->GetSelectorCount() > 0) AddOverrides(owner, child, use);
-        const auto known = met_.find(used);
-        if (known == met_.end())
-            Open(Counted<Reference>(used), {owner.Get(), child});
-        else if (known->second.isOpen)
+        if (used->GetChildCount() == 0) return;
+        const std::uint32_t known = index_.Find(used);
+        if (known == kNone)
+            Open(*used, owner, child);
+        else if (met_[known].isOpen)
             Add(FindingKind::kCircularDefinition, owner, child, use);
     }
 
-    void Add(FindingKind kind, const Counted<Reference>& owner, int child, const Counted<Instance>& use) {
-        faults_.push_back({kind, std::string(), owner, child, use, Var()});
+    DefinitionFault FaultAt(FindingKind kind, std::uint32_t owner, int child,
+                            const Counted<Instance>& use) const {
+        return {kind, std::string(), Counted<Reference>(met_[owner].definition), child, use, Var()};
     }
 
-    void AddOverrides(const Counted<Reference>& owner, int child, const Counted<Instance>& use) {
+    void Add(FindingKind kind, std::uint32_t owner, int child, const Counted<Instance>& use) {
+        faults_.push_back(FaultAt(kind, owner, child, use));
+    }
+
+    void AddOverrides(std::uint32_t owner, int child, const Counted<Instance>& use) {
         const auto* const stored = qn::Cast<qn::graph::StoredSelectors>(use.Get());
-        for (int i = 0; stored && i < stored->size(); ++i)
-            overrides_.push_back({{FindingKind::kOverrideWithoutOccurrence, std::string(), owner, child, use,
-                                   stored->KeyAt(i)},
-                                  stored->ValueAt(i)});
+        for (int i = 0; stored && i < stored->size(); ++i) {
+            overrides_.push_back(
+                {FaultAt(FindingKind::kOverrideWithoutOccurrence, owner, child, use), stored->ValueAt(i)});
+            overrides_.back().place.selector = stored->KeyAt(i);
+        }
     }
 
     /// Of the first occurrence of a use.
-    std::string PathOf(const Reference* owner, int child) {
+    std::string PathOf(std::uint32_t owner, int child) {
         std::vector<const std::string*> parts;
-        for (; owner; child = met_[owner].child, owner = met_[owner].owner) {
-            parts.push_back(&segments_.Of(*owner, child));
-            if (const std::string* const root = met_[owner].rootPath) parts.push_back(root);
-        }
-        std::string path;
+        for (; owner != kNone; child = met_[owner].child, owner = met_[owner].owner)
+            parts.push_back(&segments_.Of(*met_[owner].definition, child));
+        std::string path = roots_[static_cast<std::size_t>(child)].path;
         for (auto part = parts.rbegin(); part != parts.rend(); ++part)
             path += (path.empty() ? "" : "/") + **part;
         return path;
@@ -140,9 +145,9 @@ private:
 
     bool IsKnownUse(const Instance* use) {
         if (uses_.empty())
-            for (const auto& [definition, meeting] : met_)
-                for (int i = 0; i < definition->GetChildCount(); ++i)
-                    uses_.insert(definition->GetChild(i).Get());
+            for (const Met& met : met_)
+                for (int i = 0; i < met.definition->GetChildCount(); ++i)
+                    uses_.insert(met.definition->GetChild(i).Get());
         return uses_.contains(use);
     }
 
@@ -153,8 +158,10 @@ private:
         return *factory_;
     }
 
-    std::vector<Level> levels_;
-    std::unordered_map<const Reference*, Meeting> met_;
+    const std::vector<DefinitionRoot>& roots_;
+    std::vector<Met> met_;
+    std::vector<std::uint32_t> open_;  // the present descent
+    qn::PointerIndex index_;           // of `met_` by definition
     std::unordered_set<const Reference*> tops_;
     std::unordered_set<const Instance*> uses_;  // filled when first asked for
     std::vector<DefinitionFault> faults_;
