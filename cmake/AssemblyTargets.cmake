@@ -41,10 +41,14 @@ function(assembly_layer name)
     assembly_link_existing(${target} PUBLIC ${layer_MAY_USE} pcore contract)
 endfunction()
 
-# assembly_module(NAME): properties of a library that the engine loads at run time.
+# assembly_module(NAME [MAP]): properties of a library that is loaded at run time. MAP names its exports;
+# the engine's entry function without it.
 function(assembly_module target)
     set_target_properties(${target} PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden)
     set(exports "${PROJECT_SOURCE_DIR}/cmake/exports.map")
+    if(ARGC GREATER 1)
+        set(exports "${ARGV1}")
+    endif()
     target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${exports}")
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

@@ -12,7 +12,9 @@ enum class Cause {
     kUnreadable,  ///< it cannot be opened or read
     kMalformed,   ///< it is no STEP file, or a damaged one
     kMemory,
-    kCancelled
+    kLimit,  ///< it asks for more than `step_limits` allow
+    kCancelled,
+    kDefect  ///< a part of the reader is missing
 };
 
 /// Why a file could not be read. Thrown inside the reader only; `ReadStructure` and

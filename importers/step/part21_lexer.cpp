@@ -1,6 +1,6 @@
 #include "importers/step/part21_lexer.h"
 
-#include "importers/step/part21_error.h"
+#include "importers/step/step_limits.h"
 
 #include <algorithm>
 #include <charconv>
@@ -38,10 +38,10 @@ constexpr std::size_t kUsualParameters = 4;  ///< room made at once
 
 }  // namespace
 
-void Lexer::FailAt(std::size_t position, const std::string& cause) const {
+void Lexer::FailAt(std::size_t position, const std::string& text, Cause cause) const {
     const auto end = text_.begin() + static_cast<std::ptrdiff_t>(std::min(position, text_.size()));
     const auto line = 1 + std::count(text_.begin(), end, '\n');
-    throw ReadFailure("line " + std::to_string(line) + ": " + cause);
+    throw ReadFailure("line " + std::to_string(line) + ": " + text, cause);
 }
 
 void Lexer::Fail(const std::string& cause) const {
@@ -222,8 +222,10 @@ Param Lexer::Parameter(int depth) {
 }
 
 Params Lexer::ParameterList(int depth) {
-    if (depth > kMaxNesting)
-        Fail("parentheses are nested deeper than " + std::to_string(kMaxNesting) + " levels");
+    constexpr int kDeepest = step_limits::kDeepestParentheses;
+    if (depth > kDeepest)
+        FailAt(at_, "parentheses are nested deeper than " + std::to_string(kDeepest) + " levels",
+               Cause::kLimit);
     Expect('(', "before parameters");
     Params params;
     if (Accept(')')) return params;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "importers/step/part21_error.h"
 #include "importers/step/part21_record.h"
 
 #include <string>
@@ -36,7 +37,8 @@ public:
     bool SkipParentheses();
 
     [[noreturn]] void Fail(const std::string& cause) const;
-    [[noreturn]] void FailAt(std::size_t position, const std::string& cause) const;
+    [[noreturn]] void FailAt(std::size_t position, const std::string& text,
+                             Cause cause = Cause::kMalformed) const;
 
 private:
     bool SkipTo(char wanted);

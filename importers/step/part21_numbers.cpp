@@ -1,6 +1,7 @@
 #include "importers/step/part21_numbers.h"
 
 #include "importers/step/part21_error.h"
+#include "importers/step/step_limits.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,7 +10,7 @@
 namespace qn::step {
 namespace {
 
-constexpr int kMostDigits = 31;  ///< before the point, and as exponent
+using step_limits::kMostDigits;
 
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
@@ -36,14 +37,15 @@ std::size_t CheckNumber(std::string_view text, std::size_t first) {
         const std::size_t digits = text[at + 1] == '+' || text[at + 1] == '-' ? at + 2 : at + 1;
         const std::size_t end = SkipDigits(text, digits);
         const auto [unused, error] = std::from_chars(text.data() + digits, text.data() + end, exponent);
-        if (error == std::errc::result_out_of_range) exponent = kMostDigits;
+        if (error == std::errc::result_out_of_range) exponent = kMostDigits + 1;
         if (text[at + 1] == '-') exponent = 0;
         at = end;
     }
-    if (exponent >= kMostDigits || whole >= kMostDigits)
+    if (exponent > kMostDigits || whole > kMostDigits)
         throw ReadFailure("the number " +
-                          std::string(text.substr(first, std::min<std::size_t>(at - first, 40))) +
-                          " is too large");
+                              std::string(text.substr(first, std::min<std::size_t>(at - first, 40))) +
+                              " is too large",
+                          Cause::kLimit);
     return at;
 }
 

@@ -60,10 +60,8 @@ struct Record {
 };
 
 /// Reads the record that begins at `text[at]`, which may be simple or complex.
-/// Throws ReadFailure if it is malformed or nested deeper than `kMaxNesting`.
+/// Throws ReadFailure if it is malformed or nested deeper than `step_limits::kDeepestParentheses`.
 Record ParseRecord(std::string_view text, std::size_t at);
-
-inline constexpr int kMaxNesting = 64;  ///< levels of parentheses inside one record
 
 /// Lenient access: what is missing or of another kind reads as nothing.
 EntityId ReferenceAt(const Params& params, std::size_t index);

@@ -23,7 +23,8 @@ using MeshSink = std::function<void(std::size_t definition, MeshData mesh)>;
 using ProgressSink = std::function<bool(double fraction)>;
 
 struct GeometryResult {
-    std::string error;                  ///< empty if all went well, else the file's name and the cause
+    std::string error;  ///< empty if all went well, else the file's name and the cause
+    Cause cause = Cause::kNone;
     std::vector<std::string> warnings;  ///< shapes that could not be built; the rest is there
     bool isCancelled = false;
 

@@ -41,7 +41,10 @@ LoadFailure FailureOf(Cause cause) {
         case Cause::kUnreadable:
             return LoadFailure::kUnreadable;
         case Cause::kMemory:
+        case Cause::kLimit:
             return LoadFailure::kLimit;
+        case Cause::kDefect:
+            return LoadFailure::kDefect;
         case Cause::kNone:
         case Cause::kCancelled:
         case Cause::kMalformed:
@@ -98,7 +101,7 @@ private:
         };
         const GeometryResult result = ReadGeometry(read, options_.tessellation, take, progress);
         Warn(context_, file_, result.warnings);
-        if (!result.error.empty()) Fail(LoadFailure::kMalformed, result.error);
+        if (!result.error.empty()) Fail(FailureOf(result.cause), result.error);
         return result.Ok();
     }
 

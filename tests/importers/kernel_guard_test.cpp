@@ -1,4 +1,4 @@
-#include "importers/step/kernel_guard.h"
+#include "importers/step/kernel/kernel_guard.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>

@@ -1,4 +1,4 @@
-#include "importers/step/kernel_watch.h"
+#include "importers/step/kernel/kernel_watch.h"
 
 #include <gtest/gtest.h>
 

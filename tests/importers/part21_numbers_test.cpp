@@ -18,6 +18,15 @@ TEST(Part21Numbers, RefusesWhatOverflows) {
         EXPECT_THROW(RefuseHugeNumbers(std::string("#1=A((") + number + "));"), ReadFailure) << number;
 }
 
+TEST(Part21Numbers, CallsThatALimit) {
+    try {
+        RefuseHugeNumbers("#1=A(1E400);");
+        FAIL() << "accepted";
+    } catch (const ReadFailure& failure) {
+        EXPECT_EQ(failure.GetCause(), qn::step::Cause::kLimit);
+    }
+}
+
 TEST(Part21Numbers, PassesOverStringsNamesAndComments) {
     EXPECT_NO_THROW(RefuseHugeNumbers("#99999999999999999999999999999999=A1E400('1E400',/* 1E400 */.B.);"));
 }

@@ -72,6 +72,7 @@ TEST(DamagedStep, BoundsNesting) {
     const auto formation = file.Add("PRODUCT_DEFINITION_FORMATION('','',#" + std::to_string(product) + ")");
     file.Add("PRODUCT_DEFINITION('','',#" + std::to_string(formation) + ",$)");
     EXPECT_NE(ErrorOf(file.Text()).find("nested deeper than 64 levels"), std::string::npos);
+    EXPECT_EQ(ReadStructure(file.Text(), "deep.stp").cause, Cause::kLimit);
 }
 
 TEST(DamagedStep, SurvivesRingsOfUnitsAndStyles) {

@@ -1,4 +1,4 @@
-#include "importers/step/kernel_reader.h"
+#include "importers/step/kernel/kernel_reader.h"
 
 #include "importers/step/part21_error.h"
 

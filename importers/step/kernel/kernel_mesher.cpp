@@ -1,4 +1,4 @@
-#include "importers/step/kernel_mesher.h"
+#include "importers/step/kernel/kernel_mesher.h"
 
 #include "importers/step/step_transform.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "importers/step/kernel_mesher.h"
+#include "importers/step/kernel/kernel_mesher.h"
 #include "importers/step/step_colours.h"
 
 #include <STEPControl_ActorRead.hxx>

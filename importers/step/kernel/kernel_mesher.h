@@ -1,6 +1,6 @@
 #pragma once
 
-#include "importers/step/kernel_watch.h"
+#include "importers/step/kernel/kernel_watch.h"
 #include "importers/step/step_geometry.h"
 #include "importers/step/step_mesh.h"
 

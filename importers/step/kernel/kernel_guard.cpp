@@ -1,4 +1,4 @@
-#include "importers/step/kernel_guard.h"
+#include "importers/step/kernel/kernel_guard.h"
 
 #include <Message.hxx>
 #include <Message_Messenger.hxx>

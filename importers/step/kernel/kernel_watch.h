@@ -1,5 +1,7 @@
 #pragma once
 
+#include "importers/step/step_limits.h"
+
 #include <Message_ProgressIndicator.hxx>
 
 #include <chrono>
@@ -11,7 +13,8 @@ namespace qn::step {
 /// shape does.
 class KernelWatch final : public Message_ProgressIndicator {
 public:
-    static constexpr std::chrono::seconds kLongestWork{120};  ///< for one definition
+    static constexpr std::chrono::seconds kLongestWork{
+        step_limits::kLongestShapeSeconds};  ///< for one definition
 
     /// `wantsMore` is asked some times in a second; false stops the work.
     explicit KernelWatch(std::function<bool()> wantsMore, std::chrono::milliseconds longest = kLongestWork)
