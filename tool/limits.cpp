@@ -3,7 +3,6 @@
 #include "graph/limits.h"
 #include "importers/gltf/gltf_limits.h"
 #include "importers/step/step_limits.h"
-#include "importers/gltf/gltf_limits.h"
 #include "tool/named_files.h"
 #include "tool/terminal.h"
 #include "tool/verbs.h"
@@ -25,7 +24,8 @@ constexpr const char* kDescription =
     "Examples:\n"
     "  assembly limits                    what a file may ask for at most\n"
     "  assembly limits --format json      the same for scripts\n\n"
-    "A file beyond one of these limits is refused with exit code 7 and a message that names it.";
+    "Prints what a file may ask for at most. A file beyond one of these limits is refused with exit code 7 "
+    "and a message that names it.";
 
 struct Limit {
     const char* key;

@@ -73,6 +73,13 @@ class IncludeGraph(unittest.TestCase):
                        "importers/step/s.cpp": '#include "graph/a_impl.h"\n',
                        "tool/t.cpp": '#include "graph/a_impl.h"\n'}))
 
+    def test_shows_the_tool_nothing_of_importers_but_their_limits(self):
+        self.assertEqual(
+            ["tool/t.cpp: tool may not include importers (importers/step/step_model.h)"],
+            broken_in({"importers/step/step_limits.h": "", "importers/step/step_model.h": "",
+                       "tool/t.cpp": '#include "importers/step/step_limits.h"\n'
+                                     '#include "importers/step/step_model.h"\n'}))
+
     def test_starts_at_the_root(self):
         self.assertEqual(
             ['graph/b.h: "a.h" is no file; includes start at the root of the project'],

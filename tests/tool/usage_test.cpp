@@ -28,7 +28,7 @@ TEST(Usage, HelpNamesEveryVerbAndAnswersZero) {
 TEST(Usage, HelpGivesEachVerbOneLine) {
     const ToolRun run = RunTool({"--help"});
     EXPECT_FALSE(Contains(run.out, "Examples:"));
-    EXPECT_TRUE(Contains(run.out, "\n  limits       A file beyond one of these limits is refused")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "\n  limits       Prints what a file may ask for at most")) << run.out;
 }
 
 TEST(Usage, HelpOfAVerbShowsExamplesFirst) {
@@ -84,6 +84,19 @@ TEST(Usage, ABrokenFileIsNamedWithTheCause) {
     const ToolRun run = RunTool({"show", folder.File("broken.stp")});
     EXPECT_EQ(run.exitCode, 3);
     EXPECT_TRUE(Contains(run.err, "broken.stp")) << run.err;
+}
+
+TEST(Usage, AShapeWithANumberBeyondTheLimitIsSeven) {
+    const TemporaryFolder folder;
+    std::string text = ReadAll(kLantern);
+    const std::string point = "CARTESIAN_POINT('',(";
+    const std::size_t place = text.rfind(point, text.find("VERTEX_POINT")) + point.size();
+    text.replace(place, text.find(',', place) - place, "1.E+40");
+    WriteAll(folder.File("huge.stp"), text);
+    const ToolRun run = RunTool({"convert", folder.File("huge.stp"), folder.File("huge.qn")});
+    EXPECT_EQ(run.exitCode, 7) << run.err;
+    EXPECT_TRUE(Contains(run.err, "1.E+40")) << run.err;
+    EXPECT_EQ(RunTool({"stats", folder.File("huge.stp")}).exitCode, 0);
 }
 
 TEST(Usage, AnOutputThatCannotBeWrittenIsFourAndLeavesNothing) {
