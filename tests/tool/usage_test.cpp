@@ -20,7 +20,7 @@ bool Contains(const std::string& text, const std::string& part) {
 TEST(Usage, HelpNamesEveryVerbAndAnswersZero) {
     const ToolRun run = RunTool({"--help"});
     EXPECT_EQ(run.exitCode, 0);
-    for (const char* verb : {"show", "stats", "convert", "module", "limits"})
+    for (const char* verb : {"show", "stats", "convert", "ops", "run", "module", "limits"})
         EXPECT_TRUE(Contains(run.out, verb)) << verb;
     EXPECT_TRUE(Contains(run.out, "Exit codes"));
 }
@@ -32,7 +32,7 @@ TEST(Usage, HelpGivesEachVerbOneLine) {
 }
 
 TEST(Usage, HelpOfAVerbShowsExamplesFirst) {
-    for (const char* verb : {"show", "stats", "convert", "module", "limits"}) {
+    for (const char* verb : {"show", "stats", "convert", "ops", "run", "module", "limits"}) {
         const ToolRun run = RunTool({verb, "--help"});
         EXPECT_EQ(run.exitCode, 0);
         EXPECT_EQ(run.out.rfind("Examples:", 0), 0u) << run.out;
@@ -190,7 +190,7 @@ TEST(Module, TellsVersionsIdentifierAndClassesInOrder) {
     EXPECT_EQ(module["interface_version"], 0x910);
     EXPECT_EQ(module["identifier"], "66d411a4-fc53-4ace-849c-1da033ee6b7a");
     ASSERT_FALSE(module["classes"].empty());
-    EXPECT_EQ(module["classes"][0]["key"], "qn.graph.instance");
+    EXPECT_EQ(module["classes"][0]["key"], "qn.k3.bom");
     EXPECT_EQ(module["classes"][0]["value"], 0x10000000);
 }
 
