@@ -48,10 +48,10 @@ bool HasUsableGenerator(const Node& node) {
 
 bool HasOtherHierarchy(const Node& node) {
     const Generator* generator = Generator::Get(&node);
-    Interface* root = generator ? generator->GetGeneratedRoot() : nullptr;
+    const auto* root = generator ? Cast<graph::Reference>(generator->GetGeneratedRoot()) : nullptr;
     if (!root) return false;
     const auto* instance = Cast<graph::Instance>(node.GetParamObject(Param::kInstance));
-    if (instance) return static_cast<Interface*>(instance->GetReference()) != root;
+    if (instance) return instance->GetReference() != root;
     return SceneAccess::MarkOf(node) || SceneAccess::AreChildrenStored(node);
 }
 

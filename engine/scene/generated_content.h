@@ -19,8 +19,8 @@ class Scene;
 /// Notes that what stands below the node is what its generator makes.
 void MarkGenerated(Node& node);
 
-/// Whether the node has a generator, but stands for something else than what that generates from: it carries
-/// an instance of another definition, or none although its content is there.
+/// Whether the node has a generator for a definition, but stands for something else than what that generates
+/// from: it carries an instance of another definition, or none although its content is there.
 bool HasOtherHierarchy(const Node& node);
 
 /// Whether the node's children need not be stored: its generator has something to make them from, they were
