@@ -36,20 +36,23 @@ constexpr const char* kExamples =
     "  assembly bom create spares --empty car.qn --in-place      a further one, with nothing in it\n"
     "  assembly bom activate service car.qn -o service.qn        shows that structure\n"
     "  assembly bom show service car.qn                          prints its occurrence tree\n\n"
-    "A scene may have several top-level structures, one of which is shown. Structures go by name, or by "
+    "Lists, adds and switches the top-level structures of a scene, one of which is shown. Structures go by "
+    "name, or by "
     "number\n"
     "(\"#2\" is the second). All other verbs look at the structure that is shown.";
 
 constexpr const char* kListExamples =
     "Examples:\n"
     "  assembly bom list car.qn                    \"*\" stands in front of the structure that is shown\n"
-    "  assembly bom list --format json car.qn      the same for scripts";
+    "  assembly bom list --format json car.qn      the same for scripts\n\n"
+    "Lists the structures of a file.";
 constexpr const char* kCreateExamples =
     "Examples:\n"
     "  assembly bom create design car.stp -o car.qn\n"
     "  assembly bom create service car.qn --in-place\n"
     "  assembly bom create spares --empty car.qn --in-place\n\n"
-    "The first structure of a file takes over what the file shows. A further one gets copies of it, each "
+    "Adds a structure to a file. The first one takes over what the file shows. A further one gets copies of "
+    "it, each "
     "tied "
     "to its\n"
     "original by a link. With --empty it gets nothing; if it is the first, all that is shown is removed.";

@@ -34,7 +34,8 @@ constexpr const char* kExamples =
     "  assembly check bracket.qn                       one line for each finding, nothing if there is none\n"
     "  assembly check --jobs 4 parts/*.qn              several files, four at a time\n"
     "  assembly check --format json bracket.stp        the same for scripts\n\n"
-    "Compares the nodes of a scene with its definitions and uses, looks for definitions inside themselves, "
+    "Tells whether a file is sound. Compares the nodes of a scene with its definitions and uses, looks for "
+    "definitions inside themselves, "
     "for uses\n"
     "and overrides that lead nowhere, and for layers that list what is not there. Files stay as they are.\n"
     "Exit codes: 0 nothing found, 1 findings.";
