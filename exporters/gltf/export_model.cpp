@@ -128,12 +128,14 @@ private:
         use.overrideCount = static_cast<std::uint32_t>(out_.overrides.size()) - use.firstOverride;
     }
 
-    bool IsContainersUse(const Instance* element) const {
-        return container_ && element->GetReference() == container_;
+    /// Whether a path begins with what is no occurrence: the container's use, or a top use that is gone, for
+    /// a stored scene does not keep it.
+    bool StandsAbove(const Instance* element) const {
+        return !element || (container_ && element->GetReference() == container_);
     }
 
     std::uint32_t KnownUse(const Instance* element) const {
-        const auto found = uses_.find(element);
+        const auto found = element ? uses_.find(element) : uses_.end();
         return found == uses_.end() ? kNone : found->second;
     }
 
@@ -149,12 +151,12 @@ private:
 
     void AddOverride(std::uint32_t index, const graph::Selector& selector) {
         const Var attributes = selector.GetAttributes();
-        if (!selector.IsValid() || !attributes.IsMap()) return;
+        if (!attributes.IsMap()) return;
         OverrideRow row;
         row.use = index;
         for (int i = 0; i < selector.GetPathElementCount(); ++i) {
             const Instance* element = selector.GetPathElement(static_cast<unsigned>(i));
-            if (i == 0 && IsContainersUse(element)) continue;
+            if (i == 0 && StandsAbove(element)) continue;
             const std::uint32_t use = i == 0 ? FirstUse(element) : KnownUse(element);
             if (use == kNone) return;  // leads elsewhere: no occurrence of this tree is meant
             row.path.push_back(use);
