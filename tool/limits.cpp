@@ -1,5 +1,6 @@
 #include "engine/stream/limits.h"
 #include "exchange/limits.h"
+#include "exporters/gltf/gltf_export.h"
 #include "graph/limits.h"
 #include "importers/gltf/gltf_limits.h"
 #include "importers/step/step_limits.h"
@@ -53,19 +54,12 @@ constexpr Limit kLimits[] = {
     {"gltf_vertices", gltf::kMostVertices, "vertices, and corners, of one mesh"},
     {"gltf_unbacked_elements", gltf::kMostUnbackedElements, "elements that no byte of a file stands for"},
     {"gltf_ratio", gltf::kLargestRatio, "unpacked size of a buffer view to its packed size"},
+    {"glb_bytes", qn::gltf_export::Options().mostBytes, "size of a .glb that is written"},
     {"gltf_extras_levels", gltf::kDeepestExtras, "values nested in extras"},
     {"step_parentheses", step::kDeepestParentheses, "levels of parentheses in a record of a STEP file"},
     {"step_digits", step::kMostDigits, "digits before the point, and largest exponent, of a number in it"},
     {"step_shape_seconds", step::kLongestShapeSeconds,
      "for the geometry of one definition, which is left out beyond"},
-    {"gltf_text_bytes", gltf::kLargestText, "size of the JSON text of a glTF file"},
-    {"gltf_nodes", gltf::kMostNodes, "nodes of a glTF file with their copies"},
-    {"gltf_others", gltf::kMostOthers, "meshes, accessors or other elements of it, of each kind"},
-    {"gltf_buffer_bytes", gltf::kLargestBuffer, "size of one buffer"},
-    {"gltf_vertices", gltf::kMostVertices, "vertices or indices of one mesh"},
-    {"gltf_unbacked_elements", gltf::kMostUnbackedElements, "elements of an accessor without bytes"},
-    {"gltf_ratio", gltf::kLargestRatio, "unpacked size of a view to its packed size"},
-    {"gltf_extras_levels", gltf::kDeepestExtras, "values nested in extras"},
     {"exchange_file_bytes", exchange::kLargestFile, "size of a query or a spatial index"},
     {"exchange_entries", exchange::kMostEntries, "entries of a query or a spatial index"},
     {"exchange_id_length", exchange::kLongestId, "letters of an id in them"},
