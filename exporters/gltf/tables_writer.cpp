@@ -57,12 +57,26 @@ private:
         const char* separator = "\n";
         for (const auto& row : rows) {
             out_ += separator, out_ += '{';
-            writeOne(row);
+            WriteNamed(row, writeOne);
             out_ += '}';
             separator = ",\n";
             sink_.Pass();
         }
         out_ += ']';
+    }
+
+    /// A failure names the row.
+    template <class Row, class WriteOne>
+    static void WriteNamed(const Row& row, WriteOne&& writeOne) {
+        try {
+            writeOne(row);
+        } catch (const ExportFailure& failure) {
+            throw ExportFailure(failure.What(), NameOf(row) + failure.what());
+        }
+    }
+    template <class Row>
+    static std::string NameOf(const Row& row) {
+        return row.name.empty() ? std::string() : "\"" + row.name + "\": ";
     }
 
     void WriteRow(const DefinitionRow& row) {
