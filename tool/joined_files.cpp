@@ -13,7 +13,6 @@ namespace assembly::tool {
 namespace {
 
 using qn::Matrix4;
-using qn::graph::Instance;
 
 constexpr std::uint32_t kNone = static_cast<std::uint32_t>(-1);
 
@@ -162,13 +161,18 @@ private:
     void Take(Use& use, std::uint32_t file) {
         const std::uint32_t number = first_[file] + use.definition;
         PlaceContent(use, number);
-        const auto& roots = files_[file].structure.roots;
-        const bool losesRoot = file > 0 && IsOneDefinition(files_[file]);
-        const Instance* root = losesRoot ? roots.front().instance : nullptr;
+        const auto* root = LostRoot(file);
         for (Override& override : use.overrides)
-            if (root && override.path.size() > 1 && override.path.front() == root)
+            if (root && override.path.size() > 1 && override.path.front()->GetReference() == root)
                 override.path.erase(override.path.begin());
         use.definition = IndexOf(number);
+    }
+
+    /// The root of a file whose uses are no part of the whole, or null.
+    const qn::graph::Reference* LostRoot(std::uint32_t file) const {
+        const Structure& structure = files_[file].structure;
+        if (file == 0 || !IsOneDefinition(files_[file])) return nullptr;
+        return structure.definitions[structure.roots.front().definition].reference;
     }
 
     void PlaceContent(Use& use, std::uint32_t number) {

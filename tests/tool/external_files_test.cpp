@@ -370,6 +370,8 @@ TEST_F(ExternalFiles, ThatAreDamagedAreToldWithTheChain) {
     EXPECT_TRUE(Contains(run.err, File("x/c.qn"))) << run.err;
     EXPECT_TRUE(Contains(run.err, "(a.qn -> x/b.qn -> c.qn)")) << run.err;
     EXPECT_TRUE(run.out.empty());
+    EXPECT_EQ(RunTool({"convert", "--load", "all", File("a.qn"), File("out.qn")}).exitCode, 3);
+    EXPECT_FALSE(fs::exists(File("out.qn")));
 }
 
 TEST_F(ExternalFiles, OfTooManyLevelsAreRefusedWithTheLimit) {
