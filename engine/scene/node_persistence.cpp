@@ -2,6 +2,7 @@
 #include "engine/scene/chunk_io.h"
 #include "engine/scene/generated_content.h"
 #include "engine/scene/scene_access.h"
+#include "engine/stream/stream_reader.h"
 #include "engine/stream/stream_writer.h"
 #include "frame/host/generator.h"
 #include "frame/host/parameter_ids.h"
@@ -195,12 +196,20 @@ void Node::ReadTrack(Stream* stream, Context* context) {
     if (auto* known = Cast<Track>(track.Get())) SetTrack(kind, known);
 }
 
+/// Whether this stands below a node that has no parent. A node without children costs nothing, and is the
+/// usual case: what stands above others is read after them.
+bool Node::IsBelowTop(const Node& top, Stream* stream) const {
+    if (!parent_ || !top.first_) return false;
+    auto* reader = Cast<StreamReader>(stream);
+    return reader ? reader->GetAncestors().TopOf(*this) == &top : IsBelow(&top);
+}
+
 void Node::ReadChildren(Stream* stream, Context* context) {
     if (Generator::Get(this)) SceneAccess::SetChildrenStored(*this);
     ReadNumbers(stream, context, [&](const Counted<Interface>& object) {
         auto* child = Cast<Node>(object.Get());
         if (!child || stream->HasFailed()) return;
-        const bool fits = !child->parent_ && !child->scene_ && child != this && !IsBelow(child);
+        const bool fits = !child->parent_ && !child->scene_ && child != this && !IsBelowTop(*child, stream);
         if (fits)
             Link(child);
         else

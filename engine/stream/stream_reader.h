@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/scene/ancestor_hints.h"
 #include "engine/stream/chunk_cursor.h"
 #include "engine/stream/container.h"
 #include "engine/stream/load_report.h"
@@ -29,6 +30,8 @@ public:
     /// The root, null before and after a failed `Read`.
     Interface* GetRoot() const;
     const LoadReport& GetReport() const { return report_; }
+    /// Of the nodes of this load.
+    k3::AncestorHints& GetAncestors() { return ancestors_; }
 
     bool BeginChunk(unsigned) override { return false; }
     void EndChunk() override;
@@ -69,6 +72,7 @@ private:
     const bool inertGenerators_;
     bool failed_ = false;
     LoadReport report_;
+    k3::AncestorHints ancestors_;
     Counted<Interface> givenRoot_;
     scene_file::Container container_;
     std::vector<ObjectFactory> factories_;     // by class

@@ -130,6 +130,7 @@ private:
     void CopyFieldsFrom(const Node& source);
     Rare& Rarely();
     bool IsBelow(const Node* ancestor) const;
+    bool IsBelowTop(const Node& top, Stream* stream) const;
     void Link(Node* child);
     Counted<Node> Unlink(Node* child);
     ResultEnum SaveFields(Stream* stream, Context* context) const;
