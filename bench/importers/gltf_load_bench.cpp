@@ -3,6 +3,7 @@
 // keep what other benchmarks leave in this process out of it.
 
 #include "bench/importers/gltf_shapes.h"
+#include "bench/support/shapes.h"
 #include "engine/runtime/module_folder.h"
 #include "frame/host/api.h"
 #include "frame/host/importer.h"
@@ -97,9 +98,11 @@ void Run(benchmark::State& state, bool (*load)(const std::string& file)) {
         state.SetIterationTime(last.seconds);
         seconds += last.seconds;
     }
-    state.counters["us_per_node"] = seconds / static_cast<double>(state.iterations()) / nodes * 1e6;
-    state.counters["bytes_per_node"] = last.bytes / nodes;
-    state.counters["peak_MiB"] = last.bytes / (1 << 20);
+    CountItems(state, state.range(0));
+    SetFigures(state, NameOf(static_cast<GltfShape>(state.range(1))),
+               {{"us_per_node", seconds / static_cast<double>(state.iterations()) / nodes * 1e6},
+                {"bytes_per_node", last.bytes / nodes},
+                {"peak_MiB", last.bytes / (1 << 20)}});
 }
 
 /// As those who ask for definitions and uses load it, or with a table of all elements, too.

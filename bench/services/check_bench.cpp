@@ -46,8 +46,10 @@ void Check(benchmark::State& state, bool expand) {
         loading += Seconds(loaded - start), checking += check;
         state.SetIterationTime(check);
     }
-    state.counters["load_ms"] = 1e3 * loading / static_cast<double>(state.iterations());
-    state.counters["share"] = checking / loading;
+    CountItems(state, test::CountOccurrences(shape));
+    SetFigures(state, NameOfShape(state),
+               {{"load_ms", 1e3 * loading / static_cast<double>(state.iterations())},
+                {"share", checking / loading}});
 }
 
 void BM_CheckCompact(benchmark::State& state) {

@@ -3,6 +3,8 @@
 #include "engine/runtime/modules.h"
 #include "frame/entry.h"
 
+#include <cstdio>
+
 namespace qn::bench {
 namespace {
 
@@ -14,9 +16,22 @@ const bool g_registered = RegisterEntry(const_cast<bool*>(&g_registered), &K3DLL
 
 }  // namespace
 
+const char* NameOfShape(const benchmark::State& state) {
+    return kNames[state.range(1)];
+}
+
+void SetFigures(benchmark::State& state, std::string label, Figures figures) {
+    for (const auto& [name, value] : figures) {
+        char text[64];
+        std::snprintf(text, sizeof text, " %s=%.4g", name, value);
+        label += text;
+    }
+    state.SetLabel(label);
+}
+
 test::AssemblyShape ShapeOf(benchmark::State& state) {
     const std::int64_t occurrences = state.range(0);
-    state.SetLabel(kNames[state.range(1)]);
+    state.SetLabel(NameOfShape(state));
     switch (static_cast<Shape>(state.range(1))) {
         // Full levels of ten hold a ninth more than a power of ten.
         case kShared:

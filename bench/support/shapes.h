@@ -5,6 +5,9 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <utility>
 
 namespace qn::bench {
 
@@ -17,7 +20,15 @@ test::AssemblyShape ShapeOf(benchmark::State& state);
 /// Occurrences (1,000 to 1,000,000) times shapes.
 void AllSizes(benchmark::internal::Benchmark* benchmark);
 
-/// Reports cost for each of `items`.
+/// "shared", "flat" or "deep", for the present benchmark.
+const char* NameOfShape(const benchmark::State& state);
+
+/// Reports cost for each of `items`. Every benchmark does so and has no other counters, for reports as CSV
+/// want the same ones everywhere.
 void CountItems(benchmark::State& state, std::int64_t items);
+
+/// Figures of this benchmark alone, as part of its label: "shared load_ms=12.5".
+using Figures = std::initializer_list<std::pair<const char*, double>>;
+void SetFigures(benchmark::State& state, std::string label, Figures figures);
 
 }  // namespace qn::bench
