@@ -83,6 +83,7 @@ Outcome RunOperation(Session& session, const Options& options, const Operation& 
                      const OperationArguments& arguments) {
     const std::string target = TargetOf(options, operation, arguments.sceneFile);
     auto& context = static_cast<qn::ContextImpl&>(session.GetContext());
+    if (options.seed != 0) qn::SeedGuids(options.seed);  // a repair while loading makes ids, too
     qn::Counted<qn::k3::Scene> scene;
     if (operation.FindScene()) {
         LoadRequest load;
@@ -92,7 +93,6 @@ Outcome RunOperation(Session& session, const Options& options, const Operation& 
     }
     Outcome outcome;
     outcome.firstMessage = context.GetMessages().size();
-    if (options.seed != 0) qn::SeedGuids(options.seed);
     outcome.result = Invoke(operation, *ParamsOf(operation, arguments, scene.Get()), context);
     if (context.IsCancelled()) throw Failure(ExitCode::kCancelled, "run " + operation.name + ": cancelled");
     if (outcome.result != kDone || target.empty()) return outcome;
