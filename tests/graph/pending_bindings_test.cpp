@@ -1,5 +1,6 @@
 #include "graph/node_list_owner.h"
 #include "graph/shown_nodes.h"
+#include "graph/view_binding.h"
 #include "tests/graph/graph_support.h"
 #include "tests/support/recording_context.h"
 
@@ -86,6 +87,17 @@ protected:
 };
 
 }  // namespace
+
+TEST_F(PendingBindings, TakeViewsFromThoseWhoKnowTheTableByItsInterfaceAlone) {
+    auto* binding = Cast<ViewBinding>(static_cast<LookupTable*>(table.Get()));
+    ASSERT_TRUE(binding);
+    k3::Viewport* viewport = scene->CreateViewport(L"view");
+    binding->BindViewLater(viewport, lock->GetReference());
+    binding->BindViewLater(viewport, door->GetReference());
+    binding->BindViewLater(nullptr, nullptr);
+    table->ApplyPendingBindings();
+    EXPECT_EQ(viewport->GetViewNode(), lockNode) << "the first definition wins";
+}
 
 TEST_F(PendingBindings, ALayerGetsTheNodesOfItsInstances) {
     const auto layer = Make<k3::Layer>();
