@@ -21,7 +21,6 @@ struct Options {
     LoadRequest load;
     SaveTarget target;
     ShowOptions show;
-    std::vector<std::string> words;  // of "show": [NAME] FILE
     std::string name;
     bool empty = false;
     std::string format = "table";
@@ -152,13 +151,11 @@ void Activate(const Options& options) {
 }
 
 /// Shows it in memory; the file stays as it is.
-void Show(Options options) {
-    options.load.file = options.words.back();
+void Show(const Options& options) {
     Session session(options.progress);
     const auto scene = session.Load(options.load);
-    if (options.words.size() > 1)
-        ExpectDone(FindBom(BomsOf(*scene), options.words.front(), options.load.file).Activate(), options,
-                   "shown");
+    if (!options.name.empty())
+        ExpectDone(FindBom(BomsOf(*scene), options.name, options.load.file).Activate(), options, "shown");
     const Structure structure = ReadStructure(*scene, session.GetContext());
     Output output;
     if (options.format == "json")
@@ -209,11 +206,8 @@ void AddShowBom(CLI::App& bom) {
     auto options = std::make_shared<Options>();
     options->load.structureOnly = options->load.graphOnly = true;
     CLI::App* verb = AddVerb(bom, "show", "Print the occurrence tree of a structure", kShowExamples, options);
-    verb->add_option("FILE", options->words,
-                     "Name or number of the structure, if it is not the shown one; file")
-        ->required()
-        ->expected(1, 2)
-        ->option_text("[NAME] FILE");
+    verb->add_option("NAME", options->name, "Name or number of the structure (the one that is shown)");
+    verb->add_option("FILE", options->load.file, "STEP, glTF or scene file")->required();
     verb->add_option("--depth", options->show.depth, "Levels of the tree to print (1: the roots alone)")
         ->check(CLI::Range(1u, OccurrenceWalk::kAllLevels));
     verb->add_flag("--definitions", options->show.definitions, "List the definitions in place of the tree");
