@@ -8,6 +8,9 @@
 #include "exchange/spatial_index.h"
 #include "frame/host/collections.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace qn::exchange {
 namespace {
 
