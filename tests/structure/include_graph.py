@@ -56,7 +56,7 @@ def allowed_areas(area):
     if area == "exporters":
         return {CONTRACT, "engine", "exporters", "graph", "importers"}
     if area == "tool":
-        return {CONTRACT, "tool", "engine", "exchange", "exporters", "importers"} | set(LAYERS)
+        return {CONTRACT, "tool", "engine", "exchange", "exporters"} | set(LAYERS)
     return None
 
 
@@ -86,7 +86,7 @@ def broken_rule(path, kind, target, root):
 
 
 def sources(root):
-    areas = [*LAYERS, "engine", "exchange", "importers", "tool", "tests", "bench", "fuzz", "samples"]
+    areas = [*LAYERS, "engine", "exchange", "exporters", "importers", "tool", "tests", "bench", "fuzz", "samples"]
     for area in areas:
         folder = root / area
         if folder.is_dir():
