@@ -163,7 +163,8 @@ private:
         PlaceContent(use, number);
         const auto* root = LostRoot(file);
         for (Override& override : use.overrides)
-            if (root && override.path.size() > 1 && override.path.front()->GetReference() == root)
+            if (root && override.path.size() > 1 && override.path.front() &&
+                override.path.front()->GetReference() == root)
                 override.path.erase(override.path.begin());
         use.definition = IndexOf(number);
     }

@@ -6,6 +6,8 @@
 #include "frame/host/generator.h"
 #include "frame/host/importer.h"
 #include "graph/lookup_table.h"
+#include "graph/persistent_selector.h"
+#include "graph/stored_selectors.h"
 #include "tool/failure.h"
 #include "tool/structure_counts.h"
 
@@ -84,14 +86,33 @@ private:
         if (!instance) return use;
         use.name = TextOf(instance->GetProperty(Prop::kName, 0));
         use.local = LocalMatrix(reference, instance->GetProperty(Prop::kLocalMatrix, 0));
-        for (int i = 0; i < instance->GetSelectorCount(); ++i)
-            AddOverride(use, instance->GetSelector(i), reference);
+        AddOverrides(use, *instance, reference);
         return use;
     }
 
-    static void AddOverride(Use& use, const qn::graph::Selector& selector, const Reference* reference) {
+    /// What was read without being indexed has no table to give its selectors out.
+    void AddOverrides(Use& use, Instance& instance, const Reference* reference) {
+        if (instance.GetLookupTable()) {
+            for (int i = 0; i < instance.GetSelectorCount(); ++i)
+                AddOverride(use, instance.GetSelector(i), reference);
+            return;
+        }
+        const auto* stored = qn::Cast<qn::graph::StoredSelectors>(&instance);
+        for (int i = 0; stored && i < stored->size(); ++i) {
+            auto* selector = qn::Cast<qn::graph::PersistentSelector>(stored->ValueAt(i));
+            if (!selector || stored->KeyAt(i).IsText()) continue;
+            if (!resolver_)
+                resolver_ = qn::CreateAs<qn::graph::LookupTable>(qn::graph::ClassKey::kLookupTable);
+            qn::graph::Selector live;
+            if (resolver_) resolver_->ResolvePersistentSelector(live, selector);
+            AddOverride(use, live, reference);
+        }
+    }
+
+    void AddOverride(Use& use, const qn::graph::Selector& selector, const Reference* reference) const {
         Override result;
-        for (int i = StandsInContainer(selector) ? 1 : 0; i < selector.GetPathElementCount(); ++i)
+        const bool skipsFirst = StandsInContainer(selector) || IsFormerRoot(selector);
+        for (int i = skipsFirst ? 1 : 0; i < selector.GetPathElementCount(); ++i)
             result.path.push_back(selector.GetPathElement(static_cast<unsigned>(i)));
         result.name = TextOf(selector.GetProperty(Prop::kName, 0));
         const Var local = selector.GetProperty(Prop::kLocalMatrix, 0);
@@ -99,6 +120,16 @@ private:
         if (result.moved) result.local = LocalMatrix(reference, local);
         if (!result.path.empty() && (result.moved || !result.name.empty()))
             use.overrides.push_back(std::move(result));
+    }
+
+    /// Whether the path begins with a use of the root that is not the one that stands in the scene now, if it
+    /// lives at all.
+    bool IsFormerRoot(const qn::graph::Selector& selector) const {
+        if (selector.GetPathElementCount() < 2) return false;
+        const Instance* first = selector.GetPathElement(0);
+        if (!first) return true;
+        if (out_.roots.empty() || first == out_.roots.back().instance) return false;
+        return first->GetReference() == out_.definitions[out_.roots.back().definition].reference;
     }
 
     /// Reads the uses of every definition that was met and not read yet.
@@ -121,6 +152,7 @@ private:
 
     Structure& out_;
     std::unordered_map<Reference*, std::uint32_t> known_;
+    Counted<qn::graph::LookupTable> resolver_;  // of selectors without table
     std::size_t read_ = 0;
 };
 
