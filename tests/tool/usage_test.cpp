@@ -13,6 +13,9 @@ using nlohmann::json;
 
 const std::string kLantern = ASSEMBLY_SAMPLES_DIR "/lantern.stp";
 
+constexpr const char* kVerbs[] = {"show", "stats",       "convert", "check", "repair", "deps",  "parts",
+                                  "bom",  "effectivity", "ops",     "run",   "module", "limits"};
+
 bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
@@ -20,7 +23,7 @@ bool Contains(const std::string& text, const std::string& part) {
 TEST(Usage, HelpNamesEveryVerbAndAnswersZero) {
     const ToolRun run = RunTool({"--help"});
     EXPECT_EQ(run.exitCode, 0);
-    for (const char* verb : {"show", "stats", "convert", "ops", "run", "module", "limits"})
+    for (const char* verb : kVerbs)
         EXPECT_TRUE(Contains(run.out, verb)) << verb;
     EXPECT_TRUE(Contains(run.out, "Exit codes"));
 }
@@ -32,7 +35,7 @@ TEST(Usage, HelpGivesEachVerbOneLine) {
 }
 
 TEST(Usage, HelpOfAVerbShowsExamplesFirst) {
-    for (const char* verb : {"show", "stats", "convert", "ops", "run", "module", "limits"}) {
+    for (const char* verb : kVerbs) {
         const ToolRun run = RunTool({verb, "--help"});
         EXPECT_EQ(run.exitCode, 0);
         EXPECT_EQ(run.out.rfind("Examples:", 0), 0u) << run.out;
