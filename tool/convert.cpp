@@ -58,7 +58,9 @@ void CheckOutput(const Options& options) {
 NamedFiles LookAhead(Session& session, const Options& options) {
     LoadRequest request = options.load;
     request.structureOnly = request.graphOnly = true;
-    return ReadNamedFiles(session, request, options.follow);
+    NamedFiles files = ReadNamedFiles(session, request, options.follow);
+    JoinFiles(NamedFiles(files));  // fails where the whole would contain itself
+    return files;
 }
 
 void Write(qn::k3::Scene& scene, Session& session, const Options& options) {

@@ -291,6 +291,15 @@ TEST_F(ExternalFiles, ThatNameThemselvesByALinkAreRefused) {
     EXPECT_TRUE(Contains(run.err, "a.qn -> link.qn")) << run.err;
 }
 
+TEST_F(ExternalFiles, ThatContainEachOtherByServerIdAreRefused) {
+    Write("b.qn", "B", {{"c", "c.qn", 1, "s1:c"}}, "s1:b");
+    Write("c.qn", "C", {{"b again", "b.qn", 1, "s1:b"}}, "s1:c");
+    const ToolRun run = FollowOne("b.qn");
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_TRUE(Contains(run.err, "contains itself")) << run.err;
+    EXPECT_EQ(RunTool({"convert", "--load", "all", File("a.qn"), File("out.qn")}).exitCode, 3);
+}
+
 struct Refused {
     const char* name;
     const char* reason;
