@@ -2,6 +2,7 @@
 
 #include "frame/host/string.h"
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <unistd.h>
@@ -14,6 +15,13 @@ namespace assembly::tool {
 namespace {
 
 constexpr std::size_t kBufferSize = 1 << 16;
+
+/// First byte of the letters U+0080 to U+00BF; those up to U+009F are control characters, too.
+constexpr unsigned char kLeadOfHighControls = 0xc2;
+
+bool IsHighControl(char second) {
+    return static_cast<unsigned char>(second) < 0xa0;
+}
 
 bool WantsColour() {
     const char* refused = std::getenv("NO_COLOR");
@@ -75,15 +83,14 @@ std::size_t Width(std::string_view utf8) {
 std::string Printable(std::string_view utf8) {
     std::string result;
     result.reserve(utf8.size());
-    for (const char letter : utf8) {
-        const auto byte = static_cast<unsigned char>(letter);
-        if (byte >= 0x20 && byte != 0x7f) {
-            result += letter;
-        } else {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\x%02x", byte);
-            result += escaped;
-        }
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(utf8[i]);
+        if (byte < 0x20 || byte == 0x7f)
+            result += fmt::format("\\x{:02x}", byte);
+        else if (byte == kLeadOfHighControls && i + 1 < utf8.size() && IsHighControl(utf8[i + 1]))
+            result += fmt::format("\\x{:02x}", static_cast<unsigned char>(utf8[++i]));
+        else
+            result += utf8[i];
     }
     return result;
 }
