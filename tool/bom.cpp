@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 namespace assembly::tool {
 namespace {
@@ -150,8 +151,10 @@ void Activate(const Options& options) {
     WriteList(options, *scene);
 }
 
-/// Shows it in memory; the file stays as it is.
-void Show(const Options& options) {
+/// Shows it in memory; the file stays as it is. A single word is the file.
+void Show(Options options) {
+    if (options.load.file.empty()) std::swap(options.load.file, options.name);
+    if (options.load.file.empty()) throw CLI::RequiredError("FILE");
     Session session(options.progress);
     const auto scene = session.Load(options.load);
     if (!options.name.empty())
@@ -207,7 +210,7 @@ void AddShowBom(CLI::App& bom) {
     options->load.structureOnly = options->load.graphOnly = true;
     CLI::App* verb = AddVerb(bom, "show", "Print the occurrence tree of a structure", kShowExamples, options);
     verb->add_option("NAME", options->name, "Name or number of the structure (the one that is shown)");
-    verb->add_option("FILE", options->load.file, "STEP, glTF or scene file")->required();
+    verb->add_option("FILE", options->load.file, "STEP, glTF or scene file");
     verb->add_option("--depth", options->show.depth, "Levels of the tree to print (1: the roots alone)")
         ->check(CLI::Range(1u, OccurrenceWalk::kAllLevels));
     verb->add_flag("--definitions", options->show.definitions, "List the definitions in place of the tree");

@@ -158,6 +158,10 @@ TEST(BomToolOnPlainFiles, AnEmptyFirstStructureIsRefusedInPlace) {
     EXPECT_TRUE(ReadAll(file) == bytes);
 }
 
+TEST(BomToolOnPlainFiles, ShowWantsAFile) {
+    EXPECT_EQ(RunTool({"bom", "show"}).exitCode, 2);
+}
+
 TEST(BomToolOnPlainFiles, ReportsAFileThatIsNotThere) {
     EXPECT_EQ(RunTool({"bom", "list", "nowhere.qn"}).exitCode, 3);
 }
