@@ -14,6 +14,7 @@
 #include <benchmark/benchmark.h>
 #include <tiny_gltf.h>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -62,6 +63,7 @@ long ResidentKib() {
 Measure MeasureInChild(const std::function<bool()>& load) {
     int ends[2];
     if (::pipe(ends) != 0) return {};
+    ::malloc_trim(0);  // what this process has freed would be the child's for nothing
     const pid_t child = ::fork();
     if (child == 0) RunChild(ends[1], load);
     Report report;
