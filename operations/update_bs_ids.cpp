@@ -4,7 +4,7 @@
 #include "operations/layers.h"
 #include "operations/node_walk.h"
 
-#include <set>
+#include <unordered_set>
 
 namespace qn::graph {
 namespace {
@@ -29,7 +29,7 @@ public:
 
 private:
     const IdModification& modification_;
-    std::set<String> made_;
+    std::unordered_set<String> made_;
 };
 
 void UpdateParameter(k3::Node& node, const IdModification& modification) {
