@@ -3,6 +3,7 @@
 #include "engine/runtime/modules.h"
 #include "frame/catalogue.h"
 #include "frame/host/translate.h"
+#include "frame/host/xml.h"
 #include "frame/module.h"
 #include "tests/support/static_module.h"
 
@@ -186,6 +187,14 @@ TEST_F(Registration, TranslatesTheDisplayNames) {
     ASSERT_EQ(askedFor.size(), std::size(kClasses));
     EXPECT_EQ(askedFor[0], "assembly|Bill of Materials|XTXT: extension info");
     EXPECT_EQ(RowsOf(module_.Handle()).back().displayName, String(L"translated"));
+}
+
+TEST_F(Registration, CarriesTheDescriptionOfTheOperations) {
+    const auto document = CreateAs<xml::Element>("qnxmldocument");
+    const auto operations = CreateAs<Extension>("qn.graph.hierarchyoperation.discover");
+    ASSERT_TRUE(document && operations);
+    EXPECT_EQ(operations->QueryInfo(document.Get(), 0), ResultEnum::kSuccess);
+    EXPECT_NE(document->FindChild(L"Interface"), nullptr);
 }
 
 TEST_F(Registration, MakesTheClassesKnownToTheHost) {
