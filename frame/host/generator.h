@@ -4,7 +4,8 @@
 
 namespace qn {
 
-/// Option of a load: what generators make is not wanted, only what they make it from. Nothing is indexed then.
+/// Option of a load: what generators make is not wanted, only what they make it from. Nothing is indexed
+/// then.
 inline constexpr const char* kInertGenerators = "inert_generators";
 
 }  // namespace qn

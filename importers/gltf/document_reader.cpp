@@ -49,9 +49,8 @@ void DocumentReader::ReadRoot(simdjson::ondemand::document& document) {
     const simdjson::ondemand::json_type type = document.type();
     if (type != simdjson::ondemand::json_type::object) json_.Fail("expected an object");
     simdjson::ondemand::object root = document.get_object();
-    json_.EachMember(root, [&](std::string_view key, JsonValue& member) {
-        ReadMember(key, member, model_, kRows);
-    });
+    json_.EachMember(
+        root, [&](std::string_view key, JsonValue& member) { ReadMember(key, member, model_, kRows); });
     const char* rest = nullptr;
     if (!document.current_location().get(rest)) json_.Fail("expected the end of the text after its object");
 }

@@ -29,9 +29,8 @@ private:
     /// Members without a row are passed over.
     template <class Target, std::size_t N>
     void ReadObject(JsonValue& value, Target& target, const Row<Target> (&rows)[N]) {
-        json_.Members(value, [&](std::string_view key, JsonValue& member) {
-            ReadMember(key, member, target, rows);
-        });
+        json_.Members(
+            value, [&](std::string_view key, JsonValue& member) { ReadMember(key, member, target, rows); });
     }
     template <class Target, std::size_t N>
     void ReadMember(std::string_view key, JsonValue& member, Target& target, const Row<Target> (&rows)[N]) {
