@@ -39,6 +39,7 @@ struct NodeWords {
 
 NodeWords WordsOf(const Model& model, const Node& node) {
     NodeWords words;
+    words.use = node.use;
     if (node.extras == kNone) return words;
     const VarMap* extras = model.extras[node.extras].ToMap();
     const Var* value = extras ? extras->LookupText(L"assembly") : nullptr;

@@ -4,6 +4,38 @@
 #include <array>
 
 namespace qn::gltf {
+namespace {
+
+constexpr int kMostDigits = 9;
+
+/// Passes over the letters of `wanted`; false at the first other one.
+bool Skip(const char*& at, std::string_view wanted) {
+    for (const char letter : wanted)
+        if (*at++ != letter) return false;
+    return true;
+}
+
+/// The digits at the place; kNone if there is none, or more than any index has.
+std::uint32_t Digits(const char*& at) {
+    std::uint32_t number = 0;
+    int count = 0;
+    for (; *at >= '0' && *at <= '9' && count < kMostDigits; ++at, ++count)
+        number = number * 10 + static_cast<std::uint32_t>(*at - '0');
+    return count > 0 ? number : kNone;
+}
+
+/// Every node of a file of our own says of which use it is: a number, not two maps for each. kNone if the
+/// extras say anything else, or say it otherwise. Never looks further than the padding behind the text.
+std::uint32_t UseInExtras(std::string_view token) {
+    constexpr std::string_view kBegin = R"({"assembly":{"definition":)", kMiddle = R"(,"use":)", kEnd = "}}";
+    static_assert(kBegin.size() + kMiddle.size() + kEnd.size() + 2 * kMostDigits < DocumentReader::kPadding);
+    const char* at = token.data();
+    if (!Skip(at, kBegin) || Digits(at) == kNone || !Skip(at, kMiddle)) return kNone;
+    const std::uint32_t use = Digits(at);
+    return use != kNone && Skip(at, kEnd) ? use : kNone;
+}
+
+}  // namespace
 
 /// A node while its members come in, in any order.
 struct DocumentReader::NodeDraft {
@@ -51,7 +83,11 @@ void DocumentReader::ReadNodes(JsonValue& value) {
              n.node.childCount = static_cast<std::uint32_t>(r.model_.children.size()) - n.node.firstChild;
          }},
         {"camera", [](auto& r, NodeDraft& n, auto& v) { n.node.camera = r.json_.Index(v); }},
-        {"extras", [](auto& r, NodeDraft& n, auto& v) { n.node.extras = r.ReadExtras(v); }},
+        {"extras",
+         [](auto& r, NodeDraft& n, auto& v) {
+             n.node.use = UseInExtras(v.raw_json_token());
+             if (n.node.use == kNone) n.node.extras = r.ReadExtras(v);
+         }},
         {"extensions", [](auto& r, NodeDraft& n, auto& v) { r.ReadObject(v, n, kExtensions); }},
     };
     RefuseSecond(model_.nodes.empty());

@@ -40,6 +40,7 @@ struct Node {
     std::uint32_t place = 0;       ///< first number in `Model::numbers`
     std::uint32_t extras = kNone;  ///< in `Model::extras`
     std::uint32_t copies = kNone;  ///< in `Model::copies`
+    std::uint32_t use = kNone;     ///< in the tables of a file of our own, if its extras say just that
     PlaceKind placeKind = PlaceKind::kIdentity;
     bool isChild = false;  ///< of another node
 };

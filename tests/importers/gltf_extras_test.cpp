@@ -148,6 +148,24 @@ TEST(GltfExtras, AreRefusedWhereSomethingDoesNotFit) {
     }
 }
 
+TEST(GltfExtras, OfNodesCostNoValuesWhereTheySayTheirUseAlone) {
+    const Model model = ModelOf(Car());
+    EXPECT_EQ(model.nodes[3].use, 3u);
+    EXPECT_EQ(model.nodes[0].use, kNone);
+    EXPECT_TRUE(model.extras.empty());
+}
+
+TEST(GltfExtras, OfNodesMayStandInAnyForm) {
+    json file = Car();
+    file["nodes"][3]["extras"]["other"] = 1;
+    file["nodes"][4]["extras"]["assembly"].erase("definition");
+    const std::string spaced = file.dump(2);
+    AssemblyTables tables;
+    EXPECT_TRUE(tables.Read(ReadDocument(*SourceOf(spaced)).model));
+    EXPECT_EQ(tables.Disagreement(), "");
+    EXPECT_EQ(Disagreement(file), "");
+}
+
 TEST(GltfExtras, AMovedNodeIsFineWhereAnOverrideSaysSo) {
     json file = Car();
     file["nodes"][5]["translation"] = {0, 0, 2};
