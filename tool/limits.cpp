@@ -15,7 +15,6 @@
 namespace assembly::tool {
 namespace {
 
-namespace gltf = qn::gltf_limits;
 namespace scene = qn::scene_file_limits;
 namespace exchange = qn::exchange_limits;
 namespace gltf = qn::gltf_limits;
