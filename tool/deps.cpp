@@ -24,14 +24,9 @@ constexpr const char* kExamples =
     "  assembly deps master.stp                    the files that an assembly is made of, as a tree\n"
     "  assembly deps --missing master.stp          those that are not there\n"
     "  assembly deps --format json master.qn       files, who names them and how often they are used\n\n"
-    "Lists the files that an assembly names. Reads the structure of a file and of those that its definitions "
-    "name, and so on, each once. Behind a "
-    "name stands "
-    "how\n"
-    "many uses the naming file has of it; a file that stands above already is not gone into again. Exit code "
-    "5 if a "
-    "file is\n"
-    "missing.";
+    "Lists the files that an assembly names: reads the structure of the file, of those that its definitions\n"
+    "name, and so on, each once. Behind a name stands how many uses the naming file has of it; a file that\n"
+    "stands above already is not gone into again. Exit code 5 if a file is missing.";
 
 const char* StateText(FileState state) {
     return state == FileState::kMissing ? "missing" : state == FileState::kRead ? "read" : "not read";

@@ -77,7 +77,7 @@ void AddFollowOptions(CLI::App& verb, FollowRequest& follow) {
 void AddAllowOption(CLI::App& verb, FollowRequest& follow) {
     verb.add_option("--allow", follow.allowed,
                     "Files may lie below this folder, too, not only below that of the file that names them")
-        ->option_text("DIR ...")
+        ->option_text("DIR")
         ->allow_extra_args(false);
 }
 
