@@ -46,7 +46,9 @@ constexpr const char* kClasses[] = {"k3_scene",
                                     "qn.graph.reference",
                                     "qn.graph.persistentselector",
                                     "qn.graph.hierarchygenerator",
-                                    "qn.graph.postprocessinginstruction"};
+                                    "qn.graph.postprocessinginstruction",
+                                    "qn.k3.bom",
+                                    "qn.k3.effectivity"};
 constexpr char kRecipe = 'R';
 constexpr std::size_t kRecipeRowSize = 3;
 
