@@ -227,5 +227,32 @@ TEST_F(GltfTool, PlacesEachCopyOfANode) {
     EXPECT_EQ(places.size(), 125u) << "five in each direction, none twice";
 }
 
+/// What the tool says of a glTF text.
+ToolRun Show(const std::string& text) {
+    const TemporaryFolder folder;
+    WriteAll(folder.File("bad.gltf"), text);
+    return RunTool({"show", folder.File("bad.gltf")});
+}
+
+TEST(DamagedGltfFiles, AreRefusedByNameAndPlace) {
+    const ToolRun run = Show(R"({"asset":{"version":"2.0"},"nodes":[{},{"children":[0,7]}]})");
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_NE(run.err.find("bad.gltf: /nodes/1/children/1: expected one of the 2 nodes, found 7"),
+              std::string::npos)
+        << run.err;
+    EXPECT_EQ(run.out, "");
+}
+
+TEST(DamagedGltfFiles, BeyondALimitAnswerWithSeven) {
+    const std::string deep = std::string(100, '[') + std::string(100, ']');
+    EXPECT_EQ(Show(R"({"asset":{"version":"2.0"},"extras":)" + deep + "}").exitCode, 7);
+}
+
+TEST(DamagedGltfFiles, ThatNeedAnUnknownExtensionNameIt) {
+    const ToolRun run = Show(R"({"asset":{"version":"2.0"},"extensionsRequired":["VND_secret"]})");
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_NE(run.err.find("\"VND_secret\""), std::string::npos) << run.err;
+}
+
 }  // namespace
 }  // namespace assembly::tests
