@@ -12,7 +12,8 @@ constexpr std::size_t kNameColumn = 15;
 
 /// A description is examples, an empty line, then what the verb does.
 std::string FirstClause(const std::string& description) {
-    const std::size_t examples = description.rfind("Examples:", 0) == 0 ? description.find("\n\n") : std::string::npos;
+    const std::size_t examples =
+        description.rfind("Examples:", 0) == 0 ? description.find("\n\n") : std::string::npos;
     std::string text = examples == std::string::npos ? description : description.substr(examples + 2);
     std::replace(text.begin(), text.end(), '\n', ' ');
     std::size_t end = text.size();
@@ -24,7 +25,9 @@ std::string FirstClause(const std::string& description) {
 
 }  // namespace
 
-HelpFormatter::HelpFormatter() { column_width(kNameColumn); }
+HelpFormatter::HelpFormatter() {
+    column_width(kNameColumn);
+}
 
 std::string HelpFormatter::make_subcommand(const CLI::App* verb) const {
     std::ostringstream line;

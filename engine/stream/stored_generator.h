@@ -7,8 +7,8 @@
 namespace qn {
 
 /// A generator as it stands in a file: knows its class key and what it generates from, and generates nothing.
-/// Readers that ask for the definition graph alone (`kInertGenerators`) get it in place of the real one, which
-/// would index every occurrence.
+/// Readers that ask for the definition graph alone (`kInertGenerators`) get it in place of the real one,
+/// which would index every occurrence.
 class StoredGenerator final : public k3::Generator {
 public:
     explicit StoredGenerator(std::string key) : key_(std::move(key)) {}

@@ -63,8 +63,8 @@ public:
     /// Merges the files of an array of texts into the scene, under the filter of the context (parameter
     /// 0xa7).
     virtual bool Merge(const Var& files, k3::Scene* scene, Context* context) = 0;
-    /// The filter that a query file asks for, in the form of context parameter 0xa7; on failure one that wants
-    /// nothing.
+    /// The filter that a query file asks for, in the form of context parameter 0xa7; on failure one that
+    /// wants nothing.
     virtual Var ReadFilter(const String& queryFile, Context* context) = 0;
 
     static const ClassRecord& StaticClass() {

@@ -54,7 +54,8 @@ public:
 /// true.
 inline constexpr const wchar_t* kFileGroup = L"$QN.FILE";
 inline constexpr const wchar_t* kFileContainer = L"Container";
-/// In the same group, on the root or container: "Y" if Y points up in the file. Missing: Z, or nothing that is known.
+/// In the same group, on the root or container: "Y" if Y points up in the file. Missing: Z, or nothing that
+/// is known.
 inline constexpr const wchar_t* kFileUpAxis = L"UpAxis";
 inline constexpr const wchar_t* kFileUpAxisY = L"Y";
 
