@@ -78,7 +78,7 @@ void GenerateWith(HierarchyFactory& factory, k3::Scene& scene) {
 
 void GenerateHierarchyWithBsIds(k3::Scene& scene) {
     const Weak<k3::Scene> alive(&scene);
-    scene.BeginUpdate();
+    if (k3::Scene* const watched = alive.Get()) watched->BeginUpdate();
     if (const auto factory = CreateAs<HierarchyFactory>(ClassKey::kHierarchyFactory))
         GenerateWith(*factory, scene);
     if (k3::Scene* const still = alive.Get()) still->EndUpdate();

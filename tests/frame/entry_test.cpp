@@ -139,7 +139,24 @@ TEST(Creation, ComparesKeysInAnOrderOfItsOwn) {
     ASSERT_EQ(frame::CreationOrder().size(), frame::Catalogue().size());
     EXPECT_NE(static_cast<const void*>(frame::CreationOrder().data()),
               static_cast<const void*>(frame::Catalogue().data()));
-    EXPECT_STREQ(frame::CreationOrder()[0].key, "qn.k3.bom");
+    const std::vector<std::string> expected = {"qn.k3.bom",
+                                               "qn.k3.effectivity",
+                                               "qn.graph.instance",
+                                               "qn.graph.reference",
+                                               "qn.graph.persistentselector",
+                                               "qn.graph.lookuptable",
+                                               "qn.graph.hierarchyfactory",
+                                               "qn.graph.hierarchygenerator",
+                                               "qn.graph.postprocessinginstruction",
+                                               "qn.graph.hierarchyoperation",
+                                               "qn.graph.hierarchyoperation.invoke",
+                                               "qn.graph.hierarchyoperation.discover",
+                                               "qn.graph.hierarchychecker",
+                                               "qn.utility.sceneutilities"};
+    std::vector<std::string> keys;
+    for (const frame::CreationRow& row : frame::CreationOrder())
+        keys.emplace_back(row.key);
+    EXPECT_EQ(keys, expected);
 }
 
 class Registration : public testing::Test {

@@ -74,5 +74,12 @@ TEST_F(BasedOn, ReachesNodesBelowPlainOnes) {
     EXPECT_EQ(Utf8(ReferenceOf(below)->GetProperty(kBsId, 0)), "based");
 }
 
+TEST_F(BasedOn, TakesInstancesWithoutDefinition) {
+    const k3::Node* const bare = AddBareUse("bare");
+    InstanceOf(bare)->SetProperty(kOrigin, Var("based"));
+    operation->ReplaceBsIdsWithBasedOn(scene.Get());
+    EXPECT_EQ(Utf8(InstanceOf(bare)->GetProperty(kBsId, 0)), "based");
+}
+
 }  // namespace
 }  // namespace qn::test

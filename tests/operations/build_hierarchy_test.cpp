@@ -1,7 +1,10 @@
+#include "operations/build_hierarchy.h"
+
 #include "construction/hierarchy_factory.h"
 #include "frame/host/guid.h"
 #include "product/bom.h"
 #include "product/bom_impl.h"
+#include "services/top_level_nodes.h"
 #include "tests/operations/operations_support.h"
 
 #include <set>
@@ -11,7 +14,15 @@ namespace {
 
 class BuildHierarchy : public OperationTest {
 protected:
+    ~BuildHierarchy() override { SeedGuids(0); }
+
     static std::string SelectorId(const Extension& object) { return Utf8(object.GetParamVar(Param::kBsId)); }
+    /// The id that the next one to be handed out would be.
+    static std::string NextId() {
+        std::string digits = Guid::Create().ToText().ToUtf8();
+        std::erase(digits, '-');
+        return "s1:" + digits;
+    }
 };
 
 TEST_F(BuildHierarchy, GivesEveryNodeAnInstanceOfADefinitionOfItsOwn) {
@@ -45,12 +56,28 @@ TEST_F(BuildHierarchy, HandsOutIdsToDefinitionInstanceAndNodeInThisOrder) {
     Run(15);
     SeedGuids(3);
     for (const std::string& id : {Utf8(ReferenceOf(node)->GetProperty(kBsId, 0)),
-                                  Utf8(InstanceOf(node)->GetProperty(kBsId, 0)), SelectorId(*node)}) {
-        std::string digits = Guid::Create().ToText().ToUtf8();
-        std::erase(digits, '-');
-        EXPECT_EQ(id, "s1:" + digits);
+                                  Utf8(InstanceOf(node)->GetProperty(kBsId, 0)), SelectorId(*node)})
+        EXPECT_EQ(id, NextId());
+}
+
+TEST_F(BuildHierarchy, HandsOutIdsToStructuresAfterAllNodes) {
+    AddNode("shown");
+    const auto first = Make<k3::BomImpl>(scene.Get());
+    first->Initialize(Var("first"), false);
+    const auto second = Make<k3::BomImpl>(scene.Get());
+    second->Initialize(Var("second"), false);
+    SeedGuids(3);
+    Run(15);
+    SeedGuids(3);
+    const auto nodes = graph::TopLevelNodes(scene.Get());
+    EXPECT_EQ(nodes.size(), 2u);
+    for (const k3::Node* const node : nodes) {
+        EXPECT_EQ(Utf8(ReferenceOf(node)->GetProperty(kBsId, 0)), NextId());
+        EXPECT_EQ(Utf8(InstanceOf(node)->GetProperty(kBsId, 0)), NextId());
+        EXPECT_EQ(SelectorId(*node), NextId());
     }
-    SeedGuids(0);
+    EXPECT_EQ(SelectorId(*first), NextId());
+    EXPECT_EQ(SelectorId(*second), NextId());
 }
 
 TEST_F(BuildHierarchy, GivesTheSceneNeitherElementsNorId) {
@@ -83,6 +110,17 @@ TEST_F(BuildHierarchy, WithoutFactoryChangesNothingAndStillAnswersOne) {
     scene->SetMetaValue(Var("a"), Var(1));
     AddNode("later");
     EXPECT_GT(scene->GetChangeEventCount(), before);  // the update was closed
+}
+
+TEST_F(BuildHierarchy, OpensNoUpdateOfASceneThatItCannotWatch) {
+    mem::FailAllocations(0, 1);
+    EXPECT_FALSE(Weak<k3::Scene>(scene.Get()));
+    mem::FailAllocations(0, 1);
+    graph::GenerateHierarchyWithBsIds(*scene);
+    mem::FailAllocations(0, 0);
+    const unsigned before = scene->GetChangeEventCount();
+    AddNode("later");
+    EXPECT_GT(scene->GetChangeEventCount(), before);  // none is left open
 }
 
 TEST_F(BuildHierarchy, GivesStructuresAnIdAndBuildsTheirNodes) {

@@ -41,6 +41,7 @@ TEST_F(Dispatch, AnswersZeroWithoutAScene) {
         EXPECT_EQ(RunWithoutScene(method, {{0, Var(noScene)}}), 0) << method;
         EXPECT_EQ(RunWithoutScene(method, {{0, Var(L"scene")}}), 0) << method;
     }
+    EXPECT_EQ(ThePartners().made, 0);
     EXPECT_TRUE(ThePartners().calls.empty());
 }
 

@@ -89,6 +89,13 @@ TEST_F(GenerateBsIds, GivesNodesWithoutInstanceAnId) {
     EXPECT_EQ(SelectorId(node).size(), 32u);
 }
 
+TEST_F(GenerateBsIds, GivesInstancesWithoutDefinitionAnId) {
+    const k3::Node* const bare = AddBareUse("bare");
+    operation->GenerateBsIds(scene.Get(), 7, L"", L"");
+    EXPECT_EQ(NodeId(bare).size(), 32u);
+    EXPECT_EQ(SelectorId(bare).size(), 32u);
+}
+
 TEST_F(GenerateBsIds, ByNumberTakesPrefixAndSuffix) {
     const k3::Node* const node = AddUse("a");
     EXPECT_EQ(Run(7, {{2, Var(true)}, {4, Var("p")}, {5, Var("q")}}), 1);

@@ -21,7 +21,29 @@ protected:
         return Run(14, {{1, Var(file)}, {2, Var(folder)}, {3, Var(topLevelOnly)}}, context.Get());
     }
 
+    /// A file in a folder whose path, its final slash included, has this many characters.
+    String FileInFolderOf(std::size_t length) const {
+        const std::size_t missing = length - temp.Path().string().size() - 2;
+        return temp.File(std::string(missing, 'd') + "/m.json");
+    }
+    bool HasFolderOf(std::size_t length) const {
+        return std::filesystem::is_directory(
+            std::filesystem::path(FileInFolderOf(length).ToUtf8()).parent_path());
+    }
+
     const TempFolder temp;
+};
+
+/// The current folder of the process while it lives.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::filesystem::path& folder) { std::filesystem::current_path(folder); }
+    ~CurrentFolder() { std::filesystem::current_path(former_); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+private:
+    const std::filesystem::path former_ = std::filesystem::current_path();
 };
 
 TEST_F(MetadataExport, MakesBothFoldersAndAnswersOne) {
@@ -38,7 +60,7 @@ TEST_F(MetadataExport, PassesItsArgumentsOn) {
     RunExport(file, folder, true);
     RunExport(file, folder, false);
     const std::string call = "Export scene|" + file.ToUtf8() + "|" + folder.ToUtf8();
-    EXPECT_THAT(ThePartners().calls, ElementsAre(call + "|top", call + "|all"));
+    EXPECT_THAT(ThePartners().calls, ElementsAre(call + "|top with context", call + "|all with context"));
 }
 
 TEST_F(MetadataExport, AnswersZeroIfTheExporterRefuses) {
@@ -86,6 +108,39 @@ TEST_F(MetadataExport, StaysSilentWithoutContext) {
 TEST_F(MetadataExport, TakesAFileWithoutFolder) {
     EXPECT_EQ(RunExport(L"m.json", temp.File("b")), 1);
     EXPECT_FALSE(std::filesystem::exists("m.json"));
+}
+
+constexpr std::size_t kFolderBuffer = 0x104;  // characters, the terminator included
+
+TEST_F(MetadataExport, MakesAFolderThatJustFitsTheBuffer) {
+    EXPECT_EQ(RunExport(FileInFolderOf(kFolderBuffer - 1), temp.File("b")), 1);
+    EXPECT_TRUE(HasFolderOf(kFolderBuffer - 1));
+}
+
+TEST_F(MetadataExport, MakesNoFolderThatIsTooLongAndExportsAllTheSame) {
+    for (const std::size_t length : {kFolderBuffer, kFolderBuffer + 1}) {
+        EXPECT_EQ(RunExport(FileInFolderOf(length), temp.File("b")), 1);
+        EXPECT_FALSE(HasFolderOf(length)) << length;
+    }
+    EXPECT_EQ(ThePartners().calls.size(), 2u);
+    EXPECT_THAT(context->Texts(), IsEmpty());
+}
+
+TEST_F(MetadataExport, JoinsDriveAndFolder) {
+    const CurrentFolder inTemp(temp.Path());
+    EXPECT_EQ(RunExport(L"Q:out/deep/m.json", temp.File("b")), 1);
+    EXPECT_TRUE(std::filesystem::is_directory(temp.Path() / "Q:out" / "deep"));
+    EXPECT_EQ(RunExport(L"R:/out/m.json", temp.File("b")), 1);
+    EXPECT_TRUE(std::filesystem::is_directory(temp.Path() / "R:" / "out"));
+}
+
+TEST_F(MetadataExport, MakesTheDriveAloneWhereItsFolderIsMissingOrTooLong) {
+    const CurrentFolder inTemp(temp.Path());
+    EXPECT_EQ(RunExport(L"Q:m.json", temp.File("b")), 1);
+    EXPECT_TRUE(std::filesystem::is_directory(temp.Path() / "Q:"));
+    const std::string tooLong = "R:/" + std::string(kFolderBuffer, 'd') + "/m.json";
+    EXPECT_EQ(RunExport(String::FromUtf8(tooLong), temp.File("b")), 1);
+    EXPECT_TRUE(std::filesystem::is_empty(temp.Path() / "R:"));
 }
 
 std::string g_asked;

@@ -21,80 +21,102 @@ bool Note(const std::string& call) {
     return ThePartners().answer;
 }
 
-std::string WithLog(const char* call, const Context* log) {
-    return std::string(call) + (log ? " with log" : " without log");
+std::string NameOf(const k3::Scene* scene) {
+    return scene && scene == ThePartners().scene ? "scene" : "?";
+}
+
+/// What a call ends with.
+std::string With(const Context* context) {
+    if (!context) return " without context";
+    return context == ThePartners().context ? " with context" : " with another context";
+}
+
+bool NoteCheck(const char* call, const k3::Scene* scene, const Context* log) {
+    return Note(call + (" " + NameOf(scene)) + With(log));
 }
 
 class FakeChecker final : public graph::HierarchyChecker {
 public:
-    bool ValidateHierarchy(k3::Scene*, Context* log) override {
-        return Note(WithLog("ValidateHierarchy", log));
+    bool ValidateHierarchy(k3::Scene* scene, Context* log) override {
+        return NoteCheck("ValidateHierarchy", scene, log);
     }
-    bool ValidateLayers(k3::Scene*, Context* log) override { return Note(WithLog("ValidateLayers", log)); }
-    bool RepairHierarchy(k3::Scene*, Context* log) override { return Note(WithLog("RepairHierarchy", log)); }
-    void RepairLayers(k3::Scene*, Context* log) override { Note(WithLog("RepairLayers", log)); }
-    bool RepairTopLevelNodes(k3::Scene*, Context* log) override {
-        return Note(WithLog("RepairTopLevelNodes", log));
+    bool ValidateLayers(k3::Scene* scene, Context* log) override {
+        return NoteCheck("ValidateLayers", scene, log);
     }
-    bool RepairLayersAndViewports(k3::Scene*, Context* log) override {
-        return Note(WithLog("RepairLayersAndViewports", log));
+    bool RepairHierarchy(k3::Scene* scene, Context* log) override {
+        return NoteCheck("RepairHierarchy", scene, log);
+    }
+    void RepairLayers(k3::Scene* scene, Context* log) override { NoteCheck("RepairLayers", scene, log); }
+    bool RepairTopLevelNodes(k3::Scene* scene, Context* log) override {
+        return NoteCheck("RepairTopLevelNodes", scene, log);
+    }
+    bool RepairLayersAndViewports(k3::Scene* scene, Context* log) override {
+        return NoteCheck("RepairLayersAndViewports", scene, log);
     }
 };
 
 class FakeUtilities final : public utility::SceneUtilities {
 public:
     bool ContainsCollaborationObjects(k3::Node* node) override {
-        return Note(std::string("ContainsCollaborationObjects ") + (Cast<k3::Scene>(node) ? "scene" : "?"));
+        return Note("ContainsCollaborationObjects " + NameOf(Cast<k3::Scene>(node)));
     }
 };
 
 class FakeMetadataExport final : public qfxml::BrineServerMetadataExport {
 public:
     bool Export(k3::Scene* scene, const String& file, const String& folder, bool topLevelOnly,
-                Context*) override {
-        return Note(std::string("Export ") + (scene ? "scene" : "?") + "|" + file.ToUtf8() + "|" +
-                    folder.ToUtf8() + (topLevelOnly ? "|top" : "|all"));
+                Context* context) override {
+        return Note("Export " + NameOf(scene) + "|" + file.ToUtf8() + "|" + folder.ToUtf8() +
+                    (topLevelOnly ? "|top" : "|all") + With(context));
     }
 };
 
 class FakeShallowExporter final : public qfxml::ShallowExporter {
 public:
     bool Export(const String& a, const String& b, const String& c, Interface* object, Interface* second,
-                const String& f, const String& g, const String& h, const String& i, Context*) override {
+                const String& f, const String& g, const String& h, const String& i,
+                Context* context) override {
         std::string call = "Export";
         for (const String& text : {a, b, c, f, g, h, i})
             call += "|" + text.ToUtf8();
-        return Note(call + (object ? "|object" : "|null") + (second ? "|object" : "|null"));
+        return Note(call + (object ? "|object" : "|null") + (second ? "|object" : "|null") + With(context));
     }
 };
 
 class FakeResolver final : public qfxml::VisualContextResolver {
 public:
-    bool Extract(const String& source, const String& index, const String& output, Context*) override {
-        return Note("Extract " + source.ToUtf8() + "|" + index.ToUtf8() + "|" + output.ToUtf8());
+    bool Extract(const String& source, const String& index, const String& output, Context* context) override {
+        return Note("Extract " + source.ToUtf8() + "|" + index.ToUtf8() + "|" + output.ToUtf8() +
+                    With(context));
     }
     bool Merge(const Var& files, k3::Scene* scene, Context* context) override {
-        return Note("Merge " + std::to_string(files.size()) + " " + Utf8(files.ValueAt(0)) +
-                    (scene ? " into scene" : "") + " under " +
+        return Note("Merge " + std::to_string(files.size()) + " " + Utf8(files.ValueAt(0)) + " into " +
+                    NameOf(scene) + " under " +
                     (context ? Utf8(context->GetParamVar(Param::kIdFilter)) : "nothing"));
     }
-    Var ReadFilter(const String& query, Context*) override {
-        Note("ReadFilter " + query.ToUtf8());
+    Var ReadFilter(const String& query, Context* context) override {
+        Note("ReadFilter " + query.ToUtf8() + With(context));
         return Var(String(L"filter of ") + query);
     }
 };
 
 template <class T>
 Interface* MakePartner() {
+    ++ThePartners().made;
     if (ThePartners().canBeMade) return Make<T>().Detach();
     return Make<VarMap>().Detach();
+}
+
+Interface* MakeFactory() {
+    if (const auto factory = ThePartners().factory) return Counted<Interface>(factory).Detach();
+    return MakePartner<graph::HierarchyFactoryImpl>();
 }
 
 const StaticModule g_module({
     {graph::ClassKey::kInstance, &MakeOf<graph::InstanceImpl>},
     {graph::ClassKey::kReference, &MakeOf<graph::ReferenceImpl>},
     {graph::ClassKey::kLookupTable, &MakeOf<graph::LookupTableImpl>},
-    {graph::ClassKey::kHierarchyFactory, &MakePartner<graph::HierarchyFactoryImpl>},
+    {graph::ClassKey::kHierarchyFactory, &MakeFactory},
     {graph::ClassKey::kHierarchyChecker, &MakePartner<FakeChecker>},
     {utility::kSceneUtilitiesKey, &MakePartner<FakeUtilities>},
     {qfxml::ExchangeKey::kMetadataExport, &MakePartner<FakeMetadataExport>},
@@ -111,12 +133,15 @@ Partners& ThePartners() {
 
 OperationTest::OperationTest() {
     ThePartners() = {};
+    ThePartners().scene = scene.Get();
+    ThePartners().context = context.Get();
     graph::SetModuleHandle(&ThePartners());
     graph::RegisterOperationDescription(&ThePartners());
 }
 
 OperationTest::~OperationTest() {
     graph::SetModuleHandle(nullptr);
+    ThePartners() = {};
 }
 
 k3::Node* OperationTest::AddNode(const char* name, k3::Node* parent) {
@@ -130,6 +155,12 @@ k3::Node* OperationTest::AddUse(const char* name, graph::Reference* reference, k
     const Counted<graph::Reference> definition =
         reference ? Counted<graph::Reference>(reference) : MakeReference();
     node->SetParamVar(Param::kInstance, Var(definition->CreateInstance()));
+    return node;
+}
+
+k3::Node* OperationTest::AddBareUse(const char* name) {
+    k3::Node* const node = AddNode(name);
+    node->SetParamVar(Param::kInstance, Var(Make<graph::InstanceImpl>()));
     return node;
 }
 

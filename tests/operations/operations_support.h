@@ -1,5 +1,6 @@
 #pragma once
 
+#include "construction/hierarchy_factory.h"
 #include "frame/host/scene.h"
 #include "graph/instance.h"
 #include "graph/reference.h"
@@ -24,7 +25,11 @@ using graph::Prop::kOrigin;
 struct Partners {
     bool canBeMade = true;  ///< else their keys give strangers, which are as good as nothing
     bool answer = true;     ///< what their operations answer
+    int made = 0;           ///< how often one of their keys was to be made
     std::vector<std::string> calls;
+    Counted<graph::HierarchyFactory> factory;  ///< if set, what its key gives
+    const k3::Scene* scene = nullptr;          ///< which scene calls name "scene"; others are "?"
+    const Context* context = nullptr;          ///< which context calls name "context"
 };
 /// One for the program; each test starts with `Partners() = {}` (see `OperationTest`).
 Partners& ThePartners();
@@ -43,6 +48,8 @@ protected:
     k3::Node* AddNode(const char* name, k3::Node* parent = nullptr);
     /// A node with an instance of the definition (a new one for null).
     k3::Node* AddUse(const char* name, graph::Reference* reference = nullptr, k3::Node* parent = nullptr);
+    /// A node with an instance of no definition.
+    k3::Node* AddBareUse(const char* name);
     static graph::Instance* InstanceOf(const k3::Node* node);
     static graph::Reference* ReferenceOf(const k3::Node* node);
 

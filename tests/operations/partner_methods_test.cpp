@@ -35,18 +35,19 @@ TEST_F(CheckingMethods, AnswerZeroWhereTheHostCannotMakeTheirClass) {
     EXPECT_THAT(ThePartners().calls, IsEmpty());
 }
 
-TEST_F(CheckingMethods, CallTheOperationOfTheirNumberWithTheContext) {
+TEST_F(CheckingMethods, CallTheOperationOfTheirNumberWithSceneAndContext) {
     for (const int method : {11, 12, 16, 17, 18})
         Run(method, {}, context.Get());
     EXPECT_THAT(
         ThePartners().calls,
-        ElementsAre("ValidateHierarchy with log", "RepairTopLevelNodes with log", "ValidateLayers with log",
-                    "RepairLayersAndViewports with log", "ContainsCollaborationObjects scene"));
+        ElementsAre("ValidateHierarchy scene with context", "RepairTopLevelNodes scene with context",
+                    "ValidateLayers scene with context", "RepairLayersAndViewports scene with context",
+                    "ContainsCollaborationObjects scene"));
 }
 
 TEST_F(CheckingMethods, PassANullContextOn) {
     Run(11);
-    EXPECT_THAT(ThePartners().calls, ElementsAre("ValidateHierarchy without log"));
+    EXPECT_THAT(ThePartners().calls, ElementsAre("ValidateHierarchy scene without context"));
 }
 
 class Thumbnails : public OperationTest {
@@ -79,7 +80,7 @@ protected:
 
 TEST_F(VisualContext, IsMergedUnderTheFilterOfTheQuery) {
     EXPECT_EQ(RunMerge(context.Get()), 1);
-    EXPECT_THAT(ThePartners().calls, ElementsAre("ReadFilter query.xml",
+    EXPECT_THAT(ThePartners().calls, ElementsAre("ReadFilter query.xml with context",
                                                  "Merge 1 context.qn into scene under filter of query.xml"));
 }
 
@@ -111,8 +112,8 @@ TEST_F(VisualContext, MergeAnswersZeroWithoutResolver) {
 
 TEST_F(VisualContext, IsExtractedFromAFileInPlaceOfTheScene) {
     const Arguments files = {{0, Var("source.qn")}, {1, Var("index.db")}, {2, Var("query.xml")}};
-    EXPECT_EQ(RunWithoutScene(6, files), 1);
-    EXPECT_THAT(ThePartners().calls, ElementsAre("Extract source.qn|index.db|query.xml"));
+    EXPECT_EQ(RunWithoutScene(6, files, context.Get()), 1);
+    EXPECT_THAT(ThePartners().calls, ElementsAre("Extract source.qn|index.db|query.xml with context"));
     ThePartners().answer = false;
     EXPECT_EQ(RunWithoutScene(6, files), 0);
     ThePartners().canBeMade = false;
@@ -121,7 +122,7 @@ TEST_F(VisualContext, IsExtractedFromAFileInPlaceOfTheScene) {
 
 TEST_F(VisualContext, ExtractionReadsMissingNamesAsEmpty) {
     EXPECT_EQ(RunWithoutScene(6), 1);
-    EXPECT_THAT(ThePartners().calls, ElementsAre("Extract ||"));
+    EXPECT_THAT(ThePartners().calls, ElementsAre("Extract || without context"));
 }
 
 class ShallowExport : public OperationTest {
@@ -140,17 +141,19 @@ protected:
 
 TEST_F(ShallowExport, PassesItsArgumentsInOrder) {
     EXPECT_EQ(RunWith(Var(scene), Var(VarMap::Create())), 1);
-    EXPECT_THAT(ThePartners().calls, ElementsAre("Export|a|b|c|f|g|h|i|object|object"));
+    EXPECT_THAT(ThePartners().calls, ElementsAre("Export|a|b|c|f|g|h|i|object|object with context"));
 }
 
 TEST_F(ShallowExport, WithoutObjectMakesNothing) {
     EXPECT_EQ(RunWith(Var(), Var(scene)), 0);
-    EXPECT_THAT(ThePartners().calls, IsEmpty());
+    EXPECT_EQ(ThePartners().made, 0);
+    EXPECT_EQ(RunWith(Var(scene), Var()), 1);
+    EXPECT_EQ(ThePartners().made, 1);
 }
 
 TEST_F(ShallowExport, MayLackTheSecondObject) {
     EXPECT_EQ(RunWith(Var(scene), Var()), 1);
-    EXPECT_THAT(ThePartners().calls, ElementsAre("Export|a|b|c|f|g|h|i|object|null"));
+    EXPECT_THAT(ThePartners().calls, ElementsAre("Export|a|b|c|f|g|h|i|object|null with context"));
 }
 
 TEST_F(ShallowExport, AnswersWhatTheExporterSays) {

@@ -93,5 +93,15 @@ TEST_F(RemoveHierarchyCache, ClearsACollectionInPlaceOfTheInstance) {
     EXPECT_TRUE(unresolved->GetParamVar(Param::kInstance).IsEmpty());
 }
 
+TEST_F(RemoveHierarchyCache, LeavesValuesThatAreFalse) {
+    k3::Node* const plain = AddNode("plain");
+    const auto ids = {Param::kInstance, Param::kBsId, Param::kExternalIds};
+    for (const auto id : ids)
+        plain->SetParamVar(id, Var(false));
+    EXPECT_EQ(Run(2), 1);
+    for (const auto id : ids)
+        EXPECT_EQ(Utf8(plain->GetParamVar(id)), "false") << id;
+}
+
 }  // namespace
 }  // namespace qn::test

@@ -101,6 +101,49 @@ TEST_F(RemoveMetadata, OfACollectionWithoutAnyGivesAnEmptyMapUnlessSystemKeysSta
     EXPECT_EQ(stored.size(), 0);
 }
 
+TEST_F(RemoveMetadata, TreatsADescriptionInPlaceOfTheInstanceAsBothElements) {
+    const Counted<VarMap> definition = VarMap::Create(), description = VarMap::Create();
+    definition->SetMetadata(MetadataOf(kKeys).Get());
+    description->SetMetadata(MetadataOf(kKeys).Get());
+    description->At(Var("name")) = Var("first by position, but not by key");
+    description->At(Var(0)) = Var(definition);
+    k3::Node* const unresolved = AddNode("unresolved");
+    unresolved->SetParamVar(Param::kInstance, Var(description));
+
+    operation->RemoveNodeMetadata(unresolved, 1, 0, true);
+    EXPECT_EQ(KeysOf(*definition), "$QN.BOM.LINK");
+    EXPECT_EQ(KeysOf(*description), kAll);
+    operation->RemoveNodeMetadata(unresolved, 3, 0, false);
+    EXPECT_EQ(KeysOf(*definition), "");
+    EXPECT_EQ(KeysOf(*description), "");
+    EXPECT_EQ(description->GetCount(), 2);
+}
+
+TEST_F(RemoveMetadata, LeavesAFirstEntryThatIsFalseOrNoObject) {
+    for (const Var& entry : {Var(false), Var(0), Var(7), Var("text")}) {
+        Var stored;
+        stored.InitArray(1);
+        stored.At(0) = entry;
+        stored.ToArray()->SetMetadata(MetadataOf(kKeys).Get());
+        k3::Node* const unresolved = AddNode("unresolved");
+        unresolved->SetParamVar(Param::kInstance, stored);
+        operation->RemoveNodeMetadata(unresolved, 1, 0, false);
+        EXPECT_EQ(KeysOf(*stored.ToArray()), kAll) << Utf8(entry);
+        operation->RemoveNodeMetadata(unresolved, 3, 0, true);
+        EXPECT_EQ(KeysOf(*stored.ToArray()), "$QN.BOM.LINK") << Utf8(entry);
+        EXPECT_EQ(Utf8(stored.ValueAt(0)), Utf8(entry));
+    }
+}
+
+TEST_F(RemoveMetadata, TakesInstancesWithoutDefinition) {
+    k3::Node* const bare = AddBareUse("bare");
+    InstanceOf(bare)->SetMetadata(MetadataOf(kKeys).Get());
+    operation->RemoveNodeMetadata(bare, 3, 0, true);
+    EXPECT_EQ(KeysOf(*InstanceOf(bare)), "$QN.BOM.LINK");
+    operation->RemoveNodeMetadata(bare, 3, 0, false);
+    EXPECT_EQ(KeysOf(*InstanceOf(bare)), "(none)");
+}
+
 TEST(PurgeMetadata, KeepsTextsThatBeginWithADollar) {
     const auto map = MetadataOf({"Name", "$QN.BOM.LINK", "a$", "", "$"});
     map->At(7) = Var(true);

@@ -103,6 +103,15 @@ TEST_F(UpdateBsIds, MakesATextOfANumber) {
     EXPECT_EQ(Ids(node), "  x7");
 }
 
+TEST_F(UpdateBsIds, TakesInstancesWithoutDefinition) {
+    const k3::Node* const bare = AddBareUse("bare");
+    InstanceOf(bare)->SetProperty(kBsId, Var("n"));
+    const k3::Node* const next = AddWithIds("e", nullptr, nullptr);
+    operation->UpdateBsIds(scene.Get(), L"x", 7, true);
+    EXPECT_EQ(Utf8(InstanceOf(bare)->GetProperty(kBsId, 0)), "xn");
+    EXPECT_EQ(Ids(next), "xe  ");
+}
+
 TEST_F(UpdateBsIds, ByNumberTakesTheTextAsPrefixUnlessSuffixIsTrue) {
     const k3::Node* const node = AddWithIds("e", "n", "s");
     EXPECT_EQ(Run(3, {{1, Var(true)}, {4, Var("p-")}}), 1);
