@@ -31,7 +31,8 @@ public:
     virtual Var GetNodes() const = 0;
     /// The node that keeps the nodes while another structure is current, borrowed, or null.
     virtual Node* GetRootNode() const = 0;
-    /// The layers as of the last time when this was current, or null; the scene's own array while it is.
+    /// The layers as they were when this last listed what the scene shows, or null before that. Shares the
+    /// scene's array then; after a load from a file it is an array of its own, also while this is current.
     virtual Counted<InterfaceArray> GetLayers() const = 0;
 
     static const ClassRecord& StaticClass() {

@@ -49,7 +49,7 @@ bool LoadValue(Stream* stream, Value& value) {
 
 bool LoadStrings(std::vector<String>& strings, Stream* stream) {
     int count = 0;
-    if (!stream->ReadInt(count)) return false;
+    if (!stream->ReadInt(count) || count < 0) return false;
     for (int i = 0; i < count; ++i) {
         String text;
         if (!text.Load(stream)) return false;

@@ -3,6 +3,7 @@
 #include "engine/scene/scene_access.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qn::k3 {
 
@@ -34,12 +35,14 @@ bool MemberList::Remove(Node* node) {
     array_->Set(place, nullptr);
     holes_.push_back(place);
     places_.erase(node);
+    IndexTwin(node);
     return true;
 }
 
 void MemberList::Clear() {
     array_->Clear();
     places_.clear();
+    twins_.clear();
     holes_.clear();
     indexed_ = 0;
 }
@@ -54,9 +57,23 @@ int MemberList::Find(Node* node) {
 
 void MemberList::Index() {
     places_.clear();
+    twins_.clear();
     indexed_ = array_->GetCount();
-    for (int i = 0; i < indexed_; ++i)
-        if (const Interface* member = array_->Get(i)) places_.emplace(member, i);
+    for (int i = indexed_ - 1; i >= 0; --i) {
+        const Interface* member = array_->Get(i);
+        if (!member) continue;
+        const auto [known, isFirst] = places_.emplace(member, i);
+        if (!isFirst) twins_[member].push_back(std::exchange(known->second, i));
+    }
+}
+
+/// The next entry of a node whose first one was removed takes its place in the index.
+void MemberList::IndexTwin(Node* node) {
+    const auto twins = twins_.find(node);
+    if (twins == twins_.end()) return;
+    places_[node] = twins->second.back();
+    twins->second.pop_back();
+    if (twins->second.empty()) twins_.erase(twins);
 }
 
 void MemberList::Compact() {

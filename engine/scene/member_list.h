@@ -20,7 +20,7 @@ public:
     bool Add(Node* node);
     /// Appends what is no node.
     void AddStranger(Interface* object);
-    /// False if it is no member.
+    /// The first entry of the node, if somebody added more to the array. False if it is no member.
     bool Remove(Node* node);
     bool Has(Node* node) { return Find(node) >= 0; }
     void Clear();
@@ -29,9 +29,11 @@ private:
     int Find(Node* node);
     void Index();
     void Compact();
+    void IndexTwin(Node* node);
 
     Counted<PointerArray> array_;
-    std::unordered_map<const Interface*, int> places_;
+    std::unordered_map<const Interface*, int> places_;              // the first of each
+    std::unordered_map<const Interface*, std::vector<int>> twins_;  // further ones, last first; mostly empty
     std::vector<int> holes_;
     int indexed_ = -1;  // the array's size when it was indexed
 };

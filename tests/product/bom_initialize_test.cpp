@@ -102,6 +102,8 @@ TEST_F(BomInitialize, FailsWithoutMemoryForTheRoot) {
     mem::FailAllocations(0, 0);
     EXPECT_EQ(boms->GetCount(), 0);
     EXPECT_EQ(Current(), nullptr);
+    EXPECT_TRUE(bom->GetNodes().IsSet());
+    EXPECT_EQ(ToInt(bom->Initialize(Var(L"n"), false)), -11) << "the list of nodes stays";
 }
 
 TEST_F(BomInitialize, FailsWhereACopyFails) {
@@ -113,6 +115,9 @@ TEST_F(BomInitialize, FailsWhereACopyFails) {
     mem::FailAllocations(0, 0);
     EXPECT_EQ(boms->GetCount(), 1);
     EXPECT_EQ(bom->GetName(), String(L""));
+    EXPECT_NE(bom->GetRootNode(), nullptr);
+    EXPECT_TRUE(bom->GetNodes().IsSet());
+    EXPECT_EQ(ToInt(bom->Initialize(Var(L"n"), false)), -11) << "what was made stays";
 }
 
 TEST_F(BomInitialize, TakesItsNameAsText) {
@@ -128,6 +133,33 @@ TEST_F(BomInitialize, JoinsTheListOfTheScene) {
     ASSERT_EQ(boms->GetCount(), 2);
     EXPECT_EQ(boms->Get(0).ToInterface(), static_cast<Interface*>(first.Get()));
     EXPECT_EQ(boms->Get(1).ToInterface(), static_cast<Interface*>(second.Get()));
+}
+
+TEST_F(BomInitialize, JoinsTheVeryListThatWasThere) {
+    const auto boms = VarArray::Create();
+    boms->Add(Var(7));
+    scene_->SetParamObject(Param::kBoms, boms.Get());
+    const auto bom = AddBom(*scene_, L"design");
+    EXPECT_EQ(BomHelper(scene_.Get()).GetBoms(), boms.Get());
+    ASSERT_EQ(boms->GetCount(), 2);
+    EXPECT_EQ(boms->Get(0), Var(7));
+    EXPECT_EQ(boms->Get(1).ToInterface(), static_cast<Interface*>(bom.Get()));
+}
+
+TEST_F(BomInitialize, IsCompleteWhenObserversHearOfIt) {
+    const auto bom = Make<BomImpl>(scene_.Get());
+    int heard = 0;
+    const auto probe = Make<BomEventProbe>([&] {
+        ++heard;
+        EXPECT_EQ(Current(), bom.Get());
+        EXPECT_EQ(bom->GetName(), String(L"design"));
+        const VarArray* boms = BomHelper(scene_.Get()).GetBoms();
+        ASSERT_EQ(boms->GetCount(), 1);
+        EXPECT_EQ(boms->Get(0).ToInterface(), static_cast<Interface*>(bom.Get()));
+    });
+    scene_->AddObserver(probe.Get());
+    bom->Initialize(Var(L"design"), false);
+    EXPECT_EQ(heard, 1);
 }
 
 TEST_F(BomInitialize, TellsTheScenesObserversOnce) {
@@ -146,6 +178,7 @@ TEST_F(BomInitialize, ItsRootIsOutsideOfTheScene) {
 TEST_F(BomInitialize, FirstClaimsViewsThatBelongToNone) {
     k3::Viewport* model = AddCamera(*scene_, "model", ViewKind::kModel);
     k3::Viewport* detail = AddCamera(*scene_, "detail", ViewKind::kDetail);
+    k3::Viewport* step = AddCamera(*scene_, "step", ViewKind::kStep);
     k3::Viewport* other = AddCamera(*scene_, "other", ViewKind::kOther);
     k3::Viewport* taken = AddCamera(*scene_, "taken", ViewKind::kStep);
     const auto stranger = Make<BomImpl>();
@@ -153,6 +186,7 @@ TEST_F(BomInitialize, FirstClaimsViewsThatBelongToNone) {
     const auto bom = AddBom(*scene_, L"design");
     Interface* const self = bom.Get();
     EXPECT_EQ(model->GetParamObject(Param::kViewportOwnBom), self);
+    EXPECT_EQ(step->GetParamObject(Param::kViewportOwnBom), self);
     EXPECT_EQ(detail->GetParamObject(Param::kViewportOwnBom), self);
     EXPECT_EQ(other->GetParamObject(Param::kViewportOwnBom), nullptr);
     EXPECT_EQ(taken->GetParamObject(Param::kViewportOwnBom), static_cast<Interface*>(stranger.Get()));
@@ -175,6 +209,15 @@ TEST_F(BomInitialize, HandsItsOwnIntegersToTheScene) {
     scene_->SetParamVar(Param::kCarriedA, Var(1));
     scene_->SetParamVar(Param::kCarriedB, Var(2));
     bom->Initialize(Var(L"design"), false);
+    EXPECT_EQ(scene_->GetParamVar(Param::kCarriedA), Var(7));
+    EXPECT_EQ(bom->GetParamVar(Param::kCarriedB), Var(2));
+}
+
+TEST_F(BomInitialize, FirstEmptyOneCarriesItsIntegersToo) {
+    const auto bom = Make<BomImpl>(scene_.Get());
+    bom->SetParamVar(Param::kCarriedA, Var(7));
+    scene_->SetParamVar(Param::kCarriedB, Var(2));
+    bom->Initialize(Var(L"blank"), true);
     EXPECT_EQ(scene_->GetParamVar(Param::kCarriedA), Var(7));
     EXPECT_EQ(bom->GetParamVar(Param::kCarriedB), Var(2));
 }

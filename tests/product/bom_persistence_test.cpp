@@ -170,13 +170,6 @@ TEST(BomChunks, ABaseThatFailsIsAllThatIsWritten) {
         EXPECT_FALSE(line.starts_with("object 100")) << line;
 }
 
-/// A stream in which every chunk holds one object.
-class OneObject final : public NestedTape {
-public:
-    Counted<Interface> ReadObject(Context*) override { return object; }
-    Counted<Interface> object;
-};
-
 TEST(BomChunks, GiveTheSceneOfTheRootToTheStructure) {
     const auto scene = Make<k3::Scene>();
     const auto bom = Make<BomImpl>();

@@ -110,6 +110,7 @@ TEST_F(BomSwitch, TellsTheHostWhichNodeIsWorkedOn) {
     service_->Activate();
     ASSERT_EQ(scene_->GetNodeNotices().size(), 1u);
     EXPECT_EQ(scene_->GetNodeNotices()[0].node.Get(), d_);
+    EXPECT_EQ(scene_->GetNodeNotices()[0].value.ToInterface(), static_cast<Interface*>(d_));
 }
 
 TEST_F(BomSwitch, SaysNothingOfAWorkedOnNodeThatStopsInstancing) {

@@ -166,6 +166,25 @@ TEST(EffectivityChunks, AMissingCountFails) {
     EXPECT_EQ(Load(*Make<EffectivityImpl>(), out.Tape()), -8);
 }
 
+TEST(EffectivityChunks, ANegativeCountFails) {
+    Writer out;
+    out.Begin(kLines).Begin(kRange).Value(kTexts, -1).Value(kBoth, 7).End().End();
+    const auto object = Make<EffectivityImpl>();
+    EXPECT_EQ(Load(*object, out.Tape()), -8);
+    ASSERT_EQ(object->GetLineCount(), 1u);
+    EXPECT_EQ(object->GetLineStart(0), 0);
+}
+
+TEST(EffectivityChunks, ABaseThatCannotBeReadEndsTheLoadWithItsResult) {
+    constexpr int kParameters = 0x01;
+    Writer out;
+    out.Begin(0x100).Begin(kParameters).End().End();  // without the count of rows
+    out.Begin(kLines).Begin(kRange).Value(kBoth, 7).End().End();
+    const auto object = Make<EffectivityImpl>();
+    EXPECT_EQ(Load(*object, out.Tape()), ToInt(ResultEnum::kNothing));
+    EXPECT_EQ(object->GetLineCount(), 0u);
+}
+
 TEST(EffectivityChunks, ACountBeyondTheChunkAllocatesNothing) {
     Writer out;
     out.Begin(kLines).Begin(kRange).Value(kTexts, 0x7fffffff).End().End();

@@ -56,4 +56,11 @@ private:
     int begun_ = 0, ended_ = 0;
 };
 
+/// A stream in which every chunk holds one object.
+class OneObject final : public NestedTape {
+public:
+    Counted<Interface> ReadObject(Context*) override { return object; }
+    Counted<Interface> object;
+};
+
 }  // namespace qn::test

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qn::test {
@@ -36,6 +38,20 @@ public:
     /// How often it heard of a changed structure.
     int BomEvents() const;
     std::vector<Message> messages;
+};
+
+/// Looks around whenever a scene tells of a changed structure.
+class BomEventProbe final : public ReferenceTarget {
+public:
+    explicit BomEventProbe(std::function<void()> look) : look_(std::move(look)) {}
+    ResultEnum OnNotify(const Message& message) override {
+        if (message.code == k3::kBomEvent) look_();
+        return ResultEnum::kSuccess;
+    }
+    using ReferenceTarget::OnNotify;
+
+private:
+    std::function<void()> look_;
 };
 
 /// A scene "a(b c) d".

@@ -168,6 +168,26 @@ TEST_F(LayerValidation, RepairRemovesBothKindsAndKeepsTheRestInOrder) {
     EXPECT_TRUE(ValidateLayers());
 }
 
+TEST_F(LayerValidation, RepairTellsOfARemovalBeforeIt) {
+    layer->AddNode(Stranger());
+    layer->GetMembers()->Add(Thing());
+    std::vector<std::size_t> members;
+    log->SetMessageFunction([&](const auto&) { members.push_back(Members(*layer).size()); });
+    EXPECT_FALSE(RepairAll());
+    EXPECT_EQ(members, (std::vector<std::size_t>{4, 4}));
+    EXPECT_EQ(Members(*layer).size(), 2u);
+}
+
+TEST_F(LayerValidation, RepairRemovesAnOrphanAsOftenAsItIsListed) {
+    k3::Node* const stray = Stranger();
+    layer->AddNode(stray);
+    layer->GetMembers()->Add(stray);
+    EXPECT_FALSE(RepairAll());
+    EXPECT_EQ(log->Texts(), Messages{"Removed 2 orphaned nodes from layer shown"});
+    EXPECT_EQ(Members(*layer), (std::vector<Interface*>{a, b}));
+    EXPECT_TRUE(RepairAll());
+}
+
 TEST_F(LayerValidation, RepairedLayersTakeMembersAsBefore) {
     layer->GetMembers()->Add(Thing());
     RepairAll();

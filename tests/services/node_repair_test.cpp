@@ -34,6 +34,14 @@ TEST_F(NodeRepair, TellsWhatWasWrongAndWhatMayBeLost) {
     EXPECT_EQ(log->Levels(), (std::vector<int>{2, 2}));
 }
 
+TEST_F(NodeRepair, TellsWhatMayBeLostAfterTheRemoval) {
+    Break(car.At({1}));
+    Repair();
+    ASSERT_EQ(Operations().removals.size(), 1u);
+    EXPECT_EQ(Operations().removals[0].messages, 1u) << "what was wrong";
+    EXPECT_EQ(log->Texts().size(), 2u);
+}
+
 TEST_F(NodeRepair, KeepsTheNodes) {
     Break(car.At({1}));
     Repair();

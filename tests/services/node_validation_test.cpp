@@ -1,10 +1,7 @@
-#include "frame/host/translate.h"
 #include "tests/services/services_support.h"
 
 namespace qn::test {
 namespace {
-
-constexpr const char* kNoInstance = "Node ['%1'] does not have an associated instance.";
 
 std::string About(const char* name) {
     return "Node ['" + std::string(name) + "'] does not have an associated instance.";
@@ -109,6 +106,15 @@ TEST_F(NodeValidation, RefusesAnObjectThatIsNotTheDefinitions) {
                                      "['chassis'] reference. The object links are broken."});
 }
 
+TEST_F(NodeValidation, FillsAMarkerInsideANameWithTheNextName) {
+    car.At({0})->SetObject(nullptr);
+    car.At({0})->SetName(L"%2");
+    car.assembly.At("chassis")->SetProperty(graph::Prop::kName, Var(L"frame"));
+    EXPECT_FALSE(Validate());
+    EXPECT_EQ(log->Texts(), Messages{"Different geometry objects: ['frame'] node, ['frame'] instance and "
+                                     "['chassis'] reference. The object links are broken."});
+}
+
 TEST_F(NodeValidation, RefusesOneMissingObjectOnEitherSide) {
     car.At({0})->SetObject(nullptr);
     EXPECT_FALSE(Validate());
@@ -191,21 +197,6 @@ TEST_F(NodeValidation, StopsAtTheFirstBrokenTopLevelNode) {
 TEST_F(NodeValidation, SaysNothingWithoutALog) {
     car.At({0})->DeleteParam(Param::kInstance);
     EXPECT_FALSE(checker->ValidateHierarchy(scene.Get(), nullptr));
-}
-
-std::vector<std::string> g_asked;
-
-TEST_F(NodeValidation, TranslatesItsMessages) {
-    g_asked.clear();
-    SetTranslateHook([](const char* catalogue, const char* source, const char* kind) {
-        g_asked.push_back(std::string(catalogue) + "|" + source + "|" + kind);
-        return String(L"kaputt: %1");
-    });
-    car.At({0})->DeleteParam(Param::kInstance);
-    Validate();
-    SetTranslateHook(nullptr);
-    EXPECT_EQ(g_asked, Messages{std::string("assembly|") + kNoInstance + "|XMSG: Error message"});
-    EXPECT_EQ(log->Texts(), Messages{"kaputt: chassis"});
 }
 
 TEST_F(NodeValidation, GoesTenThousandLevelsDown) {

@@ -25,7 +25,9 @@ public:
     void RemoveIds(Interface*, unsigned) override {}
     void RemoveHierarchyCache(Interface* node, bool selectorMetadata, bool bsIds, bool externalIds,
                               bool entityMetadata) override {
-        Operations().removals.push_back({node, {selectorMetadata, bsIds, externalIds, entityMetadata}});
+        Operations().removals.push_back({node,
+                                         {selectorMetadata, bsIds, externalIds, entityMetadata},
+                                         Operations().messages->GetMessages().size()});
         if (auto* const top = Cast<k3::Node>(node)) top->Visit(0, &Cut, 0);
     }
     void UpdateBsIds(Interface*, const String&, unsigned, bool) override {}
@@ -103,6 +105,7 @@ k3::Node* SoundCar::At(std::initializer_list<int> path) const {
 
 HierarchyCheck::HierarchyCheck() {
     Operations() = {};
+    Operations().messages = log;
     OfferOperation(true);
 }
 

@@ -21,12 +21,14 @@ using Messages = std::vector<std::string>;
 struct RemovalCall {
     Interface* node = nullptr;
     std::vector<bool> keeps;
+    std::size_t messages = 0;  ///< how many the log had at that time
 };
 
 /// What the fake operation of this program was asked; cleared by `HierarchyCheck`.
 struct OperationLog {
     int made = 0;
     std::vector<RemovalCall> removals;
+    Counted<RecordingContext> messages;  ///< the log of the present test
 };
 OperationLog& Operations();
 /// Whether the key of the operation gives an object.

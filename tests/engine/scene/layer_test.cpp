@@ -64,6 +64,54 @@ TEST(Layer, RemovalInOneGoKeepsTheOrderOfTheRest) {
     EXPECT_EQ(Members(*layer), (Nodes{nodes[1].Get(), nodes[2].Get(), nodes[5].Get()}));
 }
 
+TEST(Layer, ANodeThatOthersListedAgainGoesOnceWithEachRemoval) {
+    const auto layer = Make<Layer>();
+    const auto a = Make<Node>(), b = Make<Node>();
+    layer->AddNode(a.Get());
+    layer->GetMembers()->Add(b.Get());
+    layer->GetMembers()->Add(a.Get());
+    layer->GetMembers()->Add(a.Get());
+    layer->RemoveNode(a.Get());
+    EXPECT_EQ(Members(*layer), (Nodes{b.Get(), a.Get(), a.Get()}));
+    layer->RemoveNode(a.Get());
+    layer->RemoveNode(a.Get());
+    EXPECT_EQ(Members(*layer), Nodes{b.Get()});
+    layer->RemoveNode(a.Get());
+    EXPECT_EQ(Members(*layer), Nodes{b.Get()});
+}
+
+TEST(Layer, TwinsOfADeadMemberAreNoMembersEither) {
+    const auto layer = Make<Layer>();
+    const auto a = Make<Node>();
+    {
+        const auto brief = Make<Node>();
+        layer->AddNode(brief.Get());
+        layer->GetMembers()->Add(brief.Get());
+        layer->GetMembers()->Add(a.Get());
+        layer->RemoveNode(brief.Get());
+    }
+    const auto next = Make<Node>();  // where the dead one was, as the storage goes
+    layer->RemoveNode(next.Get());
+    EXPECT_EQ(Members(*layer), (Nodes{nullptr, a.Get()}));
+    layer->AddNode(next.Get());
+    layer->RemoveNode(next.Get());
+    layer->RemoveNode(next.Get());
+    EXPECT_EQ(Members(*layer), (Nodes{nullptr, a.Get()}));
+}
+
+TEST(Layer, AThousandfoldMemberGoesInLinearTime) {
+    constexpr int kTimes = 100'000;
+    const auto layer = Make<Layer>();
+    const auto a = Make<Node>();
+    layer->AddNode(a.Get());
+    PointerArray* members = layer->GetMembers();
+    for (int i = 1; i < kTimes; ++i)
+        members->Add(a.Get());
+    for (int i = 0; i < kTimes; ++i)
+        layer->RemoveNode(a.Get());
+    EXPECT_EQ(Members(*layer), Nodes{});
+}
+
 TEST(Layer, ADeadMemberReadsNullAndStaysListed) {
     const auto layer = Make<Layer>();
     auto a = Make<Node>();
