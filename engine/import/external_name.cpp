@@ -78,7 +78,10 @@ ExternalPath ExternalFolder::Resolve(std::string_view name) const {
         return result;
     }
     result.path = target.string();
-    result.shown = (fs::path(shown_) / portable).lexically_normal().string();
+    const fs::path written = fs::path(shown_) / portable;
+    const fs::path tidy = written.lexically_normal();
+    // Behind a link ".." leads elsewhere than its text says.
+    result.shown = (Canonical(tidy) == target ? tidy : written).string();
     return result;
 }
 

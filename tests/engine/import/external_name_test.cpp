@@ -46,6 +46,15 @@ TEST_F(ExternalName, OfOneFileGivesOnePathHoweverItIsWritten) {
         EXPECT_EQ(Resolve(name).path, path) << name;
 }
 
+TEST_F(ExternalName, OpensTheFileThatWasCheckedAlsoBehindALink) {
+    fs::create_directories(folder_.Path() / "top/parts/deep");
+    fs::create_symlink("parts/deep", folder_.Path() / "top/link");
+    const ExternalPath path = Resolve("link/../b.qn");
+    EXPECT_EQ(path.fault, NameFault::kNone);
+    EXPECT_EQ(path.path, fs::canonical(folder_.Path()).string() + "/top/parts/b.qn");
+    EXPECT_EQ(CanonicalPath(path.shown), path.path);
+}
+
 TEST_F(ExternalName, NeedNotBeThatOfAFileThatIsThere) {
     EXPECT_EQ(FaultOf("nowhere/nothing.qn"), NameFault::kNone);
 }
