@@ -38,21 +38,20 @@ public:
 
     void Add(const Primitive& primitive, std::uint32_t slot, const std::string& place) {
         std::vector<std::uint32_t> corners;
-        const std::uint32_t base = primitive.dracoView == kNone ? AddPlain(primitive, corners)
-                                                                : AddPacked(primitive, corners, place);
+        const Vertices vertices = primitive.dracoView == kNone ? AddPlain(primitive, corners)
+                                                               : AddPacked(primitive, corners, place);
         corners = ToTriangles(std::move(corners), primitive.mode);
         if (corners.size() % 3 != 0)
             FailAt(place,
                    "expected three corners for each triangle, found " + std::to_string(corners.size()));
         CheckSize(indices_.size() + corners.size(), place);
-        const std::uint32_t vertices = VertexCount() - base;
         const auto first = static_cast<std::uint32_t>(indices_.size());
         indices_.reserve(indices_.size() + corners.size());
         for (const std::uint32_t corner : corners) {
-            if (corner >= vertices)
-                FailAt(place + "/indices", "expected indices below " + std::to_string(vertices) + ", found " +
-                                               std::to_string(corner));
-            indices_.push_back(base + corner);
+            if (corner >= vertices.count)
+                FailAt(place + "/indices", "expected indices below " + std::to_string(vertices.count) +
+                                               ", found " + std::to_string(corner));
+            indices_.push_back(vertices.first + corner);
         }
         if (!corners.empty()) groups_.push_back({first, static_cast<std::uint32_t>(corners.size()), slot});
     }
@@ -68,6 +67,11 @@ public:
     }
 
 private:
+    struct Vertices {
+        std::uint32_t first = 0;
+        std::uint32_t count = 0;
+    };
+
     std::uint32_t VertexCount() const { return static_cast<std::uint32_t>(positions_.size() / 3); }
 
     static void CheckSize(std::size_t count, const std::string& place) {
@@ -78,15 +82,14 @@ private:
                    LoadFailure::kLimit);
     }
 
-    /// Vertices that primitives share are stored once. Gives the number of the first.
-    std::uint32_t AddPlain(const Primitive& primitive, std::vector<std::uint32_t>& corners) {
-        const auto [known, isNew] = shared_.try_emplace({primitive.positions, primitive.normals}, Shared{});
+    /// Vertices that primitives share are stored once.
+    Vertices AddPlain(const Primitive& primitive, std::vector<std::uint32_t>& corners) {
+        const auto [known, isNew] = shared_.try_emplace({primitive.positions, primitive.normals}, Vertices{});
         if (isNew) {
             std::vector<float> normals;
             std::vector<float> positions = ReadFloats(store_, model_, primitive.positions, 3);
             if (primitive.normals != kNone) normals = ReadFloats(store_, model_, primitive.normals, 3);
-            known->second = {AddVertices(positions, normals, PointerTo("accessors", primitive.positions)),
-                             static_cast<std::uint32_t>(positions.size() / 3)};
+            known->second = AddVertices(positions, normals, PointerTo("accessors", primitive.positions));
         }
         if (primitive.indices == kNone) {
             corners.resize(known->second.count);
@@ -94,11 +97,11 @@ private:
         } else {
             corners = ReadIndices(store_, model_, primitive.indices);
         }
-        return known->second.first;
+        return known->second;
     }
 
-    std::uint32_t AddPacked(const Primitive& primitive, std::vector<std::uint32_t>& corners,
-                            const std::string& place) {
+    Vertices AddPacked(const Primitive& primitive, std::vector<std::uint32_t>& corners,
+                       const std::string& place) {
         const std::string extension = place + "/extensions/KHR_draco_mesh_compression";
         const Bytes packed = store_.GetView(primitive.dracoView);
         UnpackedPrimitive unpacked;
@@ -111,11 +114,12 @@ private:
         return AddVertices(unpacked.positions, unpacked.normals, extension);
     }
 
-    std::uint32_t AddVertices(const std::vector<float>& positions, const std::vector<float>& normals,
-                              const std::string& place) {
+    Vertices AddVertices(const std::vector<float>& positions, const std::vector<float>& normals,
+                         const std::string& place) {
         CheckSize((positions_.size() + positions.size()) / 3, place);
         for (const float number : positions)
-            if (!std::isfinite(number)) FailAt(place, "a vertex has a coordinate that is not finite");
+            if (!std::isfinite(static_cast<float>(number * scale_)))
+                FailAt(place, "a vertex has a coordinate that is not finite in millimetres");
         if (!normals.empty() && normals.size() != positions.size())
             FailAt(place, "there are " + std::to_string(positions.size() / 3) + " positions and " +
                               std::to_string(normals.size() / 3) + " normals");
@@ -123,20 +127,16 @@ private:
         positions_.insert(positions_.end(), positions.begin(), positions.end());
         normals_.insert(normals_.end(), normals.begin(), normals.end());
         if (normals.empty()) hasAllNormals_ = false;
-        return first;
+        return {first, static_cast<std::uint32_t>(positions.size() / 3)};
     }
 
-    struct Shared {
-        std::uint32_t first = 0;
-        std::uint32_t count = 0;
-    };
     const Model& model_;
     BufferStore& store_;
     double scale_;
     std::vector<float> positions_, normals_;
     std::vector<std::uint32_t> indices_;
     std::vector<k3::MeshGroup> groups_;
-    std::map<std::pair<std::uint32_t, std::uint32_t>, Shared> shared_;  // by accessors
+    std::map<std::pair<std::uint32_t, std::uint32_t>, Vertices> shared_;  // by accessors
     bool hasAllNormals_ = true;
 };
 

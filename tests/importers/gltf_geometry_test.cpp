@@ -310,6 +310,26 @@ TEST(DamagedGltfBuffers, RefusesCornersBeyondTheVertices) {
               "/meshes/0/primitives/0/indices: expected indices below 4, found 4");
 }
 
+TEST(DamagedGltfBuffers, RefusesCornersBeyondVerticesThatAreUsedAgain) {
+    GltfParts parts;
+    parts.Positions({0, 0, 0, 1, 0, 0, 0, 1, 0});
+    parts.Positions(kSquare);
+    parts.Corners({0, 1, 2});
+    parts.Corners({3, 4, 5});
+    const std::string triangle = R"({"attributes":{"POSITION":0},"indices":2})";
+    const std::string square = R"({"attributes":{"POSITION":1},"indices":2})";
+    const std::string beyond = R"({"attributes":{"POSITION":0},"indices":3})";
+    EXPECT_EQ(ReadMesh(parts.File(triangle + "," + square + "," + beyond)).error,
+              "/meshes/0/primitives/2/indices: expected indices below 3, found 3");
+}
+
+TEST(DamagedGltfBuffers, RefusesVerticesThatAreNotFiniteInMillimetres) {
+    GltfParts parts;
+    parts.Positions({0, 0, 0, 1e38f, 0, 0, 0, 1, 0});
+    EXPECT_EQ(ReadMesh(parts.File(R"({"attributes":{"POSITION":0}})")).error,
+              "/accessors/0: a vertex has a coordinate that is not finite in millimetres");
+}
+
 TEST(GltfUri, FindsFilesByPercentEncodedNames) {
     const test::TempFolder folder;
     EXPECT_EQ(ResolveUri("a%20b.bin", folder.Path()).filename(), "a b.bin");
