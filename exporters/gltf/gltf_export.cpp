@@ -71,6 +71,7 @@ public:
         const std::filesystem::path bufferPath =
             std::filesystem::path(path_).parent_path() / BufferNameOf(path_);
         if (hasBuffer) {
+            KeepForeignBuffer(bufferPath);
             Require(buffer.Open(bufferPath.string()));
             Sink sink(buffer, kUnlimited);
             WriteBuffer(plan_, sink);
@@ -84,6 +85,15 @@ public:
     }
 
 private:
+    /// A buffer that stands there without the document belongs to another one.
+    void KeepForeignBuffer(const std::filesystem::path& buffer) const {
+        std::error_code error;
+        if (std::filesystem::exists(buffer, error) && !std::filesystem::exists(path_, error))
+            throw ExportFailure(Outcome::kNotWritten, buffer.filename().string() +
+                                                          " stands there already and belongs to another file;"
+                                                          " choose another name");
+    }
+
     const ExportModel& model_;
     const MeshPlan& plan_;
     const std::string& path_;
