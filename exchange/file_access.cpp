@@ -19,7 +19,8 @@ bool MakeFolder(const String& folder, Context& context) {
     std::error_code error;
     if (path.empty() || fs::is_directory(path, error)) return true;
     fs::create_directories(path, error);
-    if (!error || fs::is_directory(path)) return true;
+    std::error_code unknown;
+    if (!error || fs::is_directory(path, unknown)) return true;
     context.Fail(LoadFailure::kUnreadable,
                  folder + L": the folder cannot be made: " + String::FromUtf8(error.message()));
     return false;

@@ -6,6 +6,7 @@
 #include "tool/validity_lint.h"
 #include "tool/verbs.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -159,46 +160,73 @@ void Add(const Options& options) {
                     (added.occurrences == 1 ? " occurrence" : " occurrences"));
 }
 
-void WriteLintJson(Output& output, const std::string& file, const std::vector<ValidityFinding>& findings,
-                   bool first) {
-    output.Write((first ? "\n" : ",\n") + ("    {\"file\": " + Quoted(file)) + ", \"findings\": [");
+/// What a file answers; one that cannot be read keeps its failure.
+struct LintedFile {
+    std::vector<ValidityFinding> findings;
+    ExitCode code = ExitCode::kFine;
+    std::string failure;
+};
+
+LintedFile LintFile(const std::string& file, const Options& options) {
+    LintedFile linted;
+    try {
+        Session session(options.progress);
+        LoadRequest request = options.load;
+        request.file = file;
+        const auto scene = session.Load(request);
+        linted.findings = LintValidity(ReadStructure(*scene, session.GetContext()), *scene);
+        if (!linted.findings.empty()) linted.code = ExitCode::kFindings;
+    } catch (const Failure& failure) {
+        if (failure.Code() == ExitCode::kCancelled) throw;
+        linted.code = failure.Code();
+        linted.failure = failure.what();
+    }
+    return linted;
+}
+
+void WriteLintLines(Output& output, const std::string& file, const LintedFile& linted) {
+    for (const ValidityFinding& finding : linted.findings)
+        output.Line(Printable(file + ": " + finding.path + ": " + finding.severity + ": " + finding.message +
+                              " [" + finding.code + "]"));
+    if (linted.failure.empty()) return;
+    output.Flush();
+    std::fprintf(stderr, "assembly: %s\n", linted.failure.c_str());
+}
+
+void WriteLintJson(Output& output, const std::string& file, const LintedFile& linted, bool first) {
+    output.Write((first ? "\n" : ",\n") + ("    {\"file\": " + Quoted(file)));
+    if (!linted.failure.empty())
+        output.Write(", \"exit_code\": " + std::to_string(ToInt(linted.code)) +
+                     ", \"failure\": " + Quoted(linted.failure));
+    output.Write(", \"findings\": [");
     const char* separator = "\n";
-    for (const ValidityFinding& finding : findings) {
+    for (const ValidityFinding& finding : linted.findings) {
         output.Write(separator);
         output.Write(std::string("      {\"code\": ") + Quoted(finding.code) +
                      ", \"severity\": " + Quoted(finding.severity) + ", \"path\": " + Quoted(finding.path) +
                      ", \"message\": " + Quoted(finding.message) + "}");
         separator = ",\n";
     }
-    output.Write(findings.empty() ? "]}" : "\n    ]}");
-}
-
-std::vector<ValidityFinding> LintFile(const std::string& file, const Options& options) {
-    Session session(options.progress);
-    LoadRequest request = options.load;
-    request.file = file;
-    const auto scene = session.Load(request);
-    return LintValidity(ReadStructure(*scene, session.GetContext()), *scene);
+    output.Write(linted.findings.empty() ? "]}" : "\n    ]}");
 }
 
 void RunLint(const Options& options) {
     const bool json = options.format == "json";
     Output output;
     std::size_t count = 0;
+    ExitCode worst = ExitCode::kFine;
     if (json) output.Write("{\n  \"files\": [");
     for (const std::string& file : options.files) {
-        const std::vector<ValidityFinding> findings = LintFile(file, options);
-        if (json) WriteLintJson(output, file, findings, &file == &options.files.front());
-        for (const ValidityFinding& finding : findings)
-            if (!json)
-                output.Line(Printable(file + ": " + finding.path + ": " + finding.severity + ": " +
-                                      finding.message + " [" + finding.code + "]"));
-        count += findings.size();
+        const LintedFile linted = LintFile(file, options);
+        json ? WriteLintJson(output, file, linted, &file == &options.files.front())
+             : WriteLintLines(output, file, linted);
+        count += linted.findings.size();
+        worst = std::max(worst, linted.code);
     }
     if (json) output.Line("\n  ],\n  \"findings\": " + std::to_string(count) + "\n}");
     output.Flush();
-    if (count > 0)
-        throw Failure(ExitCode::kFindings, std::to_string(count) + (count == 1 ? " finding" : " findings"));
+    if (worst != ExitCode::kFine)
+        throw Failure(worst, std::to_string(count) + (count == 1 ? " finding" : " findings"));
 }
 
 CLI::App* AddVerb(CLI::App& parent, const char* name, const char* meaning, const char* examples,

@@ -19,7 +19,7 @@ struct Options {
     FollowRequest follow;
     PartsOptions parts;
     PartsFormat format = PartsFormat::kTable;
-    std::string asOf;
+    std::optional<std::string> asOf;
     std::optional<std::int32_t> line;
     ProgressStyle progress = ProgressStyle::kAuto;
 };
@@ -48,11 +48,11 @@ const std::map<std::string, PartsFormat> kFormats{{"table", PartsFormat::kTable}
 Validity ValidityOf(const Options& options) {
     Validity validity;
     validity.line = options.line;
-    if (options.asOf.empty()) return validity;
-    validity.date = ParseDate(options.asOf);
+    if (!options.asOf) return validity;
+    validity.date = ParseDate(*options.asOf);
     if (!validity.date)
         throw Failure(ExitCode::kUsage,
-                      "\"" + options.asOf + "\" is no date, as 2026-03-31 or 2026-03-31T08:30:00Z");
+                      "\"" + *options.asOf + "\" is no date, as 2026-03-31 or 2026-03-31T08:30:00Z");
     return validity;
 }
 

@@ -1,5 +1,6 @@
 #include "tool/parts_list.h"
 
+#include "tool/cancel.h"
 #include "tool/failure.h"
 #include "tool/parts_lines.h"
 #include "tool/parts_writer.h"
@@ -9,6 +10,9 @@
 
 namespace assembly::tool {
 namespace {
+
+/// Lines that decide how wide columns are; a list may have billions.
+constexpr std::size_t kMostMeasuredLines = 1'000'000;
 
 /// The fields of a list: those that are written, then those that only group or sort.
 struct Columns {
@@ -68,10 +72,12 @@ std::unique_ptr<PartsWriter> MakeWriter(Output& output, std::vector<PartsField> 
 /// Sends lines to the writer; `run(visit)` goes over all of them, as often as it is called.
 template <class Run>
 void Write(Output& output, PartsWriter& writer, const Run& run) {
+    std::size_t measured = 0;
     if (writer.Measures())
         run([&](const PartsLine& line) {
+            ThrowIfCancelled();
             writer.Measure(line);
-            return true;
+            return ++measured < kMostMeasuredLines;
         });
     writer.Begin();
     run([&](const PartsLine& line) {
@@ -95,6 +101,7 @@ std::vector<PartsLine> Collect(PartsTable& table, const Columns& columns, const 
     std::vector<PartsLine> lines;
     LineGroups groups(columns.all, columns.groupBy);
     table.Run([&](const PartsRow& row) {
+        ThrowIfCancelled();
         PartsLine line = LineOf(columns.all, row, structure);
         columns.groupBy.empty() ? lines.push_back(std::move(line)) : groups.Add(std::move(line));
         return true;

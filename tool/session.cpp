@@ -10,6 +10,7 @@
 #include "frame/host/collections.h"
 #include "frame/host/importer.h"
 #include "frame/host/parameter_ids.h"
+#include "tool/cancel.h"
 #include "tool/failure.h"
 
 #include <unistd.h>
@@ -32,6 +33,7 @@ constexpr int kErrorLevel = 2;
 ContextImpl* running = nullptr;
 
 void CancelRunning(int) {
+    NoteCancel();
     if (running) running->Cancel();
 }
 

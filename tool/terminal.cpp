@@ -1,6 +1,7 @@
 #include "tool/terminal.h"
 
 #include "frame/host/string.h"
+#include "tool/cancel.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -40,7 +41,9 @@ Output::~Output() {
 
 void Output::Write(std::string_view text) {
     buffer_ += text;
-    if (buffer_.size() >= kBufferSize) Flush();
+    if (buffer_.size() < kBufferSize) return;
+    Flush();
+    ThrowIfCancelled();
 }
 
 void Output::Line(std::string_view text) {

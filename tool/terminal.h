@@ -5,7 +5,8 @@
 
 namespace assembly::tool {
 
-/// Writes to stdout through one large buffer. A closed pipe ends the writing silently.
+/// Writes to stdout through one large buffer. A closed pipe ends the writing silently; a cancelled run ends
+/// with kCancelled when the buffer is full.
 class Output {
 public:
     Output();

@@ -149,6 +149,15 @@ TEST_F(EffectivityTool, SaysThatAnInvertedRangeHoldsNothingAndKeepsIt) {
     EXPECT_EQ(Show()[0]["ranges"][0]["from"], 9);
 }
 
+TEST_F(EffectivityTool, LintGoesOnBehindAFileThatCannotBeRead) {
+    const ToolRun run = RunTool({"effectivity", "lint", "--format", "json", folder_.File("none.qn"), file_});
+    EXPECT_EQ(run.exitCode, 3) << run.err;
+    const json result = json::parse(run.out);
+    ASSERT_EQ(result["files"].size(), 2u);
+    EXPECT_EQ(result["files"][0]["exit_code"], 3);
+    EXPECT_EQ(result["files"][1]["findings"], json::array());
+}
+
 TEST_F(EffectivityTool, LintFindsNothingInPlainFiles) {
     EXPECT_EQ(Lint(), std::vector<std::string>());
     EXPECT_EQ(RunTool({"effectivity", "lint", kLantern}).exitCode, 0);

@@ -268,6 +268,21 @@ TEST_F(GltfExport, AFolderInTheBuffersPlaceLeavesTheTextUnwritten) {
     EXPECT_FALSE(fs::exists(File("a.gltf")));
 }
 
+TEST_F(GltfExport, TheBufferOfAnotherFileStaysAsItIs) {
+    WriteAll(File("a.bin"), "other");
+    const ToolRun run = RunTool({"convert", Sample(), File("a.gltf")});
+    EXPECT_EQ(run.exitCode, 4) << run.err;
+    EXPECT_EQ(ReadAll(File("a.bin")), "other");
+    EXPECT_FALSE(fs::exists(File("a.gltf")));
+}
+
+TEST_F(GltfExport, ItsOwnBufferIsWrittenAnew) {
+    ASSERT_EQ(RunTool({"convert", Sample(), File("a.gltf")}).exitCode, 0);
+    const std::string buffer = ReadAll(File("a.bin"));
+    ASSERT_EQ(RunTool({"convert", Sample(), File("a.gltf")}).exitCode, 0);
+    EXPECT_TRUE(ReadAll(File("a.bin")) == buffer);
+}
+
 TEST_F(GltfExport, AMissingFolderIsFour) {
     const ToolRun run = RunTool({"convert", Sample(), File("none/a.glb")});
     EXPECT_EQ(run.exitCode, 4) << run.err;
