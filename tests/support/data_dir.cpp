@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 
 namespace qn::test {
 
@@ -14,6 +16,16 @@ fs::path DataDir() {
     return chosen && *chosen ? chosen : ASSEMBLY_DATA_DIR;
 }
 
+namespace {
+
+#if defined(ASSEMBLY_SANITIZERS)
+constexpr std::uintmax_t kLargestFile = 1'000'000;
+#else
+constexpr std::uintmax_t kLargestFile = std::numeric_limits<std::uintmax_t>::max();
+#endif
+
+}  // namespace
+
 bool HasData() {
     return fs::is_directory(DataDir() / "expected");
 }
@@ -23,7 +35,9 @@ std::vector<fs::path> DataFiles(const std::vector<std::string>& endings) {
     if (!HasData()) return files;
     for (const auto& entry : fs::recursive_directory_iterator(DataDir())) {
         const std::string ending = entry.path().extension().string();
-        if (std::find(endings.begin(), endings.end(), ending) != endings.end()) files.push_back(entry.path());
+        if (std::find(endings.begin(), endings.end(), ending) != endings.end() &&
+            entry.file_size() <= kLargestFile)
+            files.push_back(entry.path());
     }
     std::sort(files.begin(), files.end());
     return files;

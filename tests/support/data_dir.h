@@ -15,7 +15,8 @@ std::filesystem::path DataDir();
 bool HasData();
 inline constexpr const char* kNoData = "the folder of real files is not there (ASSEMBLY_DATA_DIR)";
 
-/// All files below the folder with one of these endings (as ".stp"), sorted.
+/// All files below the folder with one of these endings (as ".stp"), sorted. Under sanitizers those of up to
+/// a megabyte alone: the larger ones take minutes and go the same ways.
 std::vector<std::filesystem::path> DataFiles(const std::vector<std::string>& endings);
 
 /// What an independent reader found in the file of that name; null if there is nothing.

@@ -17,15 +17,11 @@ constexpr std::size_t kIdLength = 35;  // "s1:" and 32 digits
 
 /// Files of formats that the tool reads, by their place below the data folder.
 std::vector<std::string> DataFiles() {
-    const std::set<std::string> kEndings = {".stp", ".step", ".glb", ".gltf"};
     // Structure only, its side files are missing on purpose.
     const std::string kIncomplete = "ABeautifulGame.gltf";
     std::vector<std::string> files;
-    if (DataFolder().empty()) return files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(DataFolder()))
-        if (kEndings.count(entry.path().extension().string()) && entry.path().filename() != kIncomplete)
-            files.push_back(entry.path().lexically_relative(DataFolder()).string());
-    std::sort(files.begin(), files.end());
+    for (const auto& file : qn::test::DataFiles({".stp", ".step", ".glb", ".gltf"}))
+        if (file.filename() != kIncomplete) files.push_back(file.lexically_relative(DataFolder()).string());
     return files;
 }
 

@@ -25,6 +25,16 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
     return operator new(size);
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+void* operator new[](std::size_t size, const std::nothrow_t& mark) noexcept {
+    return operator new(size, mark);
+}
 void operator delete(void* storage) noexcept {
     std::free(storage);
 }
