@@ -19,9 +19,9 @@ fs::path DataDir() {
 namespace {
 
 #if defined(ASSEMBLY_SANITIZERS)
-constexpr std::uintmax_t kLargestFile = 1'000'000;
+constexpr std::uintmax_t kLargestQuickFile = 1'000'000;
 #else
-constexpr std::uintmax_t kLargestFile = std::numeric_limits<std::uintmax_t>::max();
+constexpr std::uintmax_t kLargestQuickFile = std::numeric_limits<std::uintmax_t>::max();
 #endif
 
 }  // namespace
@@ -35,11 +35,15 @@ std::vector<fs::path> DataFiles(const std::vector<std::string>& endings) {
     if (!HasData()) return files;
     for (const auto& entry : fs::recursive_directory_iterator(DataDir())) {
         const std::string ending = entry.path().extension().string();
-        if (std::find(endings.begin(), endings.end(), ending) != endings.end() &&
-            entry.file_size() <= kLargestFile)
-            files.push_back(entry.path());
+        if (std::find(endings.begin(), endings.end(), ending) != endings.end()) files.push_back(entry.path());
     }
     std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::vector<fs::path> QuickDataFiles(const std::vector<std::string>& endings) {
+    std::vector<fs::path> files = DataFiles(endings);
+    std::erase_if(files, [](const fs::path& file) { return fs::file_size(file) > kLargestQuickFile; });
     return files;
 }
 

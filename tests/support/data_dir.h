@@ -15,9 +15,11 @@ std::filesystem::path DataDir();
 bool HasData();
 inline constexpr const char* kNoData = "the folder of real files is not there (ASSEMBLY_DATA_DIR)";
 
-/// All files below the folder with one of these endings (as ".stp"), sorted. Under sanitizers those of up to
-/// a megabyte alone: the larger ones take minutes and go the same ways.
+/// All files below the folder with one of these endings (as ".stp"), sorted.
 std::vector<std::filesystem::path> DataFiles(const std::vector<std::string>& endings);
+/// The same; under sanitizers those of up to a megabyte alone. For tests that read the geometry of a file
+/// several times, which takes minutes there for the larger ones.
+std::vector<std::filesystem::path> QuickDataFiles(const std::vector<std::string>& endings);
 
 /// What an independent reader found in the file of that name; null if there is nothing.
 nlohmann::json LoadExpected(const std::string& fileName);

@@ -109,7 +109,8 @@ TEST_P(GltfExportOfStep, SaysAllAgainThatItSaidOfTheFile) {
     EXPECT_TRUE(ReadAll(first) == ReadAll(second));
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, GltfExportOfStep, testing::ValuesIn(qn::test::DataFiles({".stp", ".step"})),
+INSTANTIATE_TEST_SUITE_P(Files, GltfExportOfStep,
+                         testing::ValuesIn(qn::test::QuickDataFiles({".stp", ".step"})),
                          [](const auto& info) { return qn::test::TestNameOf(info.param); });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GltfExportOfStep);
 

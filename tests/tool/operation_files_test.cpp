@@ -20,7 +20,7 @@ std::vector<std::string> DataFiles() {
     // Structure only, its side files are missing on purpose.
     const std::string kIncomplete = "ABeautifulGame.gltf";
     std::vector<std::string> files;
-    for (const auto& file : qn::test::DataFiles({".stp", ".step", ".glb", ".gltf"}))
+    for (const auto& file : qn::test::QuickDataFiles({".stp", ".step", ".glb", ".gltf"}))
         if (file.filename() != kIncomplete) files.push_back(file.lexically_relative(DataFolder()).string());
     return files;
 }

@@ -109,7 +109,7 @@ void ExpectOwnElements(const qn::k3::Node& node, std::set<std::string>& ids,
 }
 
 std::vector<std::filesystem::path> RealFiles() {
-    return qn::test::DataFiles({".stp", ".step", ".glb", ".gltf"});
+    return qn::test::QuickDataFiles({".stp", ".step", ".glb", ".gltf"});
 }
 
 class OperationsRoad : public testing::TestWithParam<std::filesystem::path> {
