@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -15,20 +16,31 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kNameAttempts = 100;
+constexpr int kMostLinks = 40;         // one after the other, as the system itself follows them
 constexpr mode_t kNewFileMode = 0666;  // less what the process's mask takes away
 constexpr mode_t kPermissions = 07777;
 
-/// The file that a link leads to; the path itself if there is none yet.
-std::string Resolve(const std::string& path) {
+/// Replaces the path of a link by that of the file it leads to, whether or not that is there.
+bool FollowLinks(std::string& path) {
     std::error_code error;
-    const auto resolved = fs::canonical(path, error);
-    return error ? path : resolved.string();
+    fs::path file = path;
+    for (int link = 0; link < kMostLinks; ++link) {
+        if (!fs::is_symlink(fs::symlink_status(file, error))) {
+            path = file.string();
+            return true;
+        }
+        const fs::path next = fs::read_symlink(file, error);
+        errno = error.value();
+        if (error) return false;
+        file = file.parent_path() / next;
+    }
+    errno = ELOOP;
+    return false;
 }
 
+/// Short and the same for all files, for the target's own name may be as long as names can be.
 std::string SiblingName(const std::string& path, int attempt) {
-    const fs::path file(path);
-    return (file.parent_path() / fmt::format(".{}.{}.{}.tmp", file.filename().string(), getpid(), attempt))
-        .string();
+    return (fs::path(path).parent_path() / fmt::format(".assembly.{}.{}.tmp", getpid(), attempt)).string();
 }
 
 /// Opens a new file beside `path`; its name goes to `name`.
@@ -72,20 +84,21 @@ SafeFile::~SafeFile() {
 }
 
 bool SafeFile::Fail(std::string_view what) {
-    const std::string text = fmt::format("{}: {}: {}", target_, what, std::strerror(errno));
+    const std::string text = fmt::format("{}: {}: {}", path_, what, std::strerror(errno));
     context_.Fail(LoadFailure::kUnreadable, String::FromUtf8(text));
     return false;
 }
 
 bool SafeFile::Open(const std::string& path) {
-    target_ = Resolve(path);
+    path_ = target_ = path;
     struct stat old {};
-    const bool exists = stat(target_.c_str(), &old) == 0;
+    const bool exists = stat(path.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode)) {
-        const std::string text = target_ + ": cannot be written: it is no file";
+        const std::string text = path + ": cannot be written: it is no file";
         context_.Fail(LoadFailure::kUnreadable, String::FromUtf8(text));
         return false;
     }
+    if (!FollowLinks(target_)) return Fail("cannot be written");
     std::string sibling;
     handle_ = CreateSibling(target_, sibling);
     if (handle_ < 0) return Fail("cannot be written");
@@ -113,8 +126,50 @@ bool SafeFile::Flush() {
 }
 
 bool SafeFile::Commit() {
+    return Replace() && FlushPlace();
+}
+
+bool SafeFile::CommitBoth(SafeFile& first, SafeFile& second) {
+    if (!first.SetOldAside()) return false;
+    if (!first.Replace() || !second.Replace()) {
+        first.PutOldBack();
+        return false;
+    }
+    if (!first.old_.empty()) unlink(first.old_.c_str());
+    return first.FlushPlace() && second.FlushPlace();
+}
+
+bool SafeFile::SetOldAside() {
+    struct stat old {};
+    if (lstat(target_.c_str(), &old) != 0) return errno == ENOENT || Fail("cannot be written");
+    std::string name;
+    const int handle = CreateSibling(target_, name);
+    if (handle < 0) return Fail("cannot be written");
+    close(handle);
+    if (rename(target_.c_str(), name.c_str()) == 0) {
+        old_ = std::move(name);
+        return true;
+    }
+    Fail("cannot be written");
+    unlink(name.c_str());
+    return false;
+}
+
+void SafeFile::PutOldBack() {
+    const bool isReplaced = sibling_.empty();
+    if (!old_.empty())
+        rename(old_.c_str(), target_.c_str());
+    else if (isReplaced)
+        unlink(target_.c_str());
+}
+
+bool SafeFile::Replace() {
     if (rename(sibling_.c_str(), target_.c_str()) != 0) return Fail("cannot be written");
     sibling_.clear();
+    return true;
+}
+
+bool SafeFile::FlushPlace() {
     return FlushFolder(fs::path(target_).parent_path().string()) || Fail("its folder cannot be flushed");
 }
 

@@ -80,7 +80,7 @@ TEST(SafeSave, LeavesTheOldFileWhenTheNewOneCannotBeMade) {
     const auto context = MakeContext();
     const auto path = folder.Write("old.qn", "old");
     for (int i = 0; i < 100; ++i)  // all names for the new file are taken
-        folder.Write(".old.qn." + std::to_string(getpid()) + "." + std::to_string(i) + ".tmp", "");
+        folder.Write(".assembly." + std::to_string(getpid()) + "." + std::to_string(i) + ".tmp", "");
 
     EXPECT_FALSE(WriteFileSafely(path, "new", *context));
 
