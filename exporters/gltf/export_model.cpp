@@ -82,7 +82,9 @@ private:
         row.place = CheckedPlace(reference, matrix);
         row.isTwoNodes = row.place.form == PlaceForm::kTwo;
         row.nodeSaysMatrix = SaysMatrix(reference, matrix, row.place);
-        if (instance) uses_.emplace(instance, static_cast<std::uint32_t>(out_.uses.size()));
+        const auto number = static_cast<std::uint32_t>(out_.uses.size());
+        if (instance) uses_.emplace(instance, number);
+        if (parent == kNone) roots_.emplace(&reference, number);
         out_.uses.push_back(std::move(row));
     }
 
@@ -120,12 +122,10 @@ private:
     }
 
     void ReadOverrides(std::uint32_t index) {
-        UseRow& use = out_.uses[index];
-        use.firstOverride = static_cast<std::uint32_t>(out_.overrides.size());
-        const int count = use.instance ? use.instance->GetSelectorCount() : 0;
+        const Instance* instance = out_.uses[index].instance;
+        const int count = instance ? instance->GetSelectorCount() : 0;
         for (int i = 0; i < count; ++i)
-            AddOverride(index, use.instance->GetSelector(i));
-        use.overrideCount = static_cast<std::uint32_t>(out_.overrides.size()) - use.firstOverride;
+            AddOverride(index, instance->GetSelector(i));
     }
 
     /// Whether a path begins with what is no occurrence: the container's use, or a top use that is gone, for
@@ -143,10 +143,9 @@ private:
     /// root's definition that stands nowhere else is that one.
     std::uint32_t FirstUse(const Instance* element) const {
         const std::uint32_t known = KnownUse(element);
-        for (std::uint32_t root = 0; known == kNone && root < out_.rootCount; ++root)
-            if (out_.definitions[out_.uses[root].definition].reference == element->GetReference())
-                return root;
-        return known;
+        if (known != kNone) return known;
+        const auto root = roots_.find(element->GetReference());
+        return root == roots_.end() ? kNone : root->second;
     }
 
     void AddOverride(std::uint32_t index, const graph::Selector& selector) {
@@ -181,6 +180,7 @@ private:
     const Reference* container_ = nullptr;
     std::unordered_map<const Reference*, std::uint32_t> definitions_;
     std::unordered_map<const Instance*, std::uint32_t> uses_;
+    std::unordered_map<const Reference*, std::uint32_t> roots_;  ///< first root use of a definition
 };
 
 }  // namespace

@@ -29,9 +29,7 @@ struct UseRow {
     std::uint32_t parent = kNone;         ///< definition; none for a root
     std::uint32_t definition = kNone;
     std::string name;
-    Place place;                      ///< node to parent, the definition's own transform included
-    std::uint32_t firstOverride = 0;  ///< in `ExportModel::overrides`
-    std::uint32_t overrideCount = 0;
+    Place place;                  ///< node to parent, the definition's own transform included
     bool isTwoNodes = false;      ///< in one of its occurrences at least, so in all
     bool nodeSaysMatrix = false;  ///< its first node has the very matrix of the use, or none
 };

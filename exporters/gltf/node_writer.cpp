@@ -23,19 +23,19 @@ constexpr Quaternion kNoTurn{0, 0, 0, 1};
 }  // namespace
 
 NodeWriter::NodeWriter(const ExportModel& model, Sink& sink, Context& context)
-    : model_(model), sink_(sink), context_(context), heads_(model.uses.size()) {}
+    : model_(model), sink_(sink), context_(context), overrides_(model), heads_(model.uses.size()) {}
 
 void NodeWriter::Write() {
     sink_.Text() += '[';
     WriteFrame();
-    path_.push_back({0, model_.rootCount});
-    while (!path_.empty()) {
-        Level& level = path_.back();
-        if (level.next == level.useCount) {
-            path_.pop_back();
+    Descend(0, model_.rootCount);
+    while (!levels_.empty()) {
+        if (levels_.back().next < levels_.back().useCount) {
+            Enter(levels_.back());
             continue;
         }
-        Enter(level);
+        levels_.pop_back();
+        path_.pop_back();
     }
     sink_.Text() += ']';
     sink_.Pass();
@@ -66,16 +66,20 @@ void NodeWriter::Enter(Level& level) {
         !context_.ReportProgress(static_cast<double>(index_) / static_cast<double>(model_.nodes + 1)))
         throw ExportFailure(Outcome::kCancelled, "cancelled");
     const std::uint32_t use = level.firstUse + level.next++;
-    level.current = use;
-    const UseRow& row = model_.uses[use];
-    const bool hasOverrides = row.overrideCount > 0;
-    WriteNode(use, hasOverrides ? FindName(row) : nullptr, hasOverrides ? FindPlace(row) : nullptr);
+    path_.back() = use;
+    WriteNode(use, overrides_.Find(path_));
     sink_.Pass();
-    const DefinitionRow& definition = model_.definitions[row.definition];
-    if (definition.useCount > 0) path_.push_back({definition.firstUse, definition.useCount});
+    const DefinitionRow& definition = model_.definitions[model_.uses[use].definition];
+    if (definition.useCount > 0) Descend(definition.firstUse, definition.useCount);
 }
 
-void NodeWriter::WriteNode(std::uint32_t use, const OverrideRow* name, const OverrideRow* place) {
+void NodeWriter::Descend(std::uint32_t firstUse, std::uint32_t useCount) {
+    levels_.push_back({firstUse, useCount});
+    path_.push_back(kNone);
+}
+
+void NodeWriter::WriteNode(std::uint32_t use, const OverridesOfOne& overrides) {
+    const auto [name, place] = overrides;
     const UseRow& row = model_.uses[use];
     const DefinitionRow& definition = model_.definitions[row.definition];
     const Place& shown = place ? place->place : row.place;
@@ -156,34 +160,6 @@ std::string NodeWriter::MakeHead(const UseRow& use, const std::string& name, con
     AppendIndex(out, number);
     out += "}}";
     return out;
-}
-
-bool NodeWriter::Matches(const OverrideRow& row) const {
-    if (row.path.size() > path_.size()) return false;
-    auto level = path_.rbegin();
-    for (auto wanted = row.path.rbegin(); wanted != row.path.rend(); ++wanted, ++level)
-        if (level->current != *wanted) return false;
-    return true;
-}
-
-const OverrideRow* NodeWriter::FindName(const UseRow& use) const {
-    const OverrideRow* best = nullptr;
-    for (std::uint32_t i = 0; i < use.overrideCount; ++i) {
-        const OverrideRow& row = model_.overrides[use.firstOverride + i];
-        if (row.name.empty() || (best && row.path.size() < best->path.size())) continue;
-        if (Matches(row)) best = &row;
-    }
-    return best;
-}
-
-const OverrideRow* NodeWriter::FindPlace(const UseRow& use) const {
-    const OverrideRow* best = nullptr;
-    for (std::uint32_t i = 0; i < use.overrideCount; ++i) {
-        const OverrideRow& row = model_.overrides[use.firstOverride + i];
-        if (!row.isMoved || (best && row.path.size() < best->path.size())) continue;
-        if (Matches(row)) best = &row;
-    }
-    return best;
 }
 
 }  // namespace qn::gltf_export

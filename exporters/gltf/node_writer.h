@@ -1,6 +1,7 @@
 #pragma once
 
 #include "exporters/gltf/export_model.h"
+#include "exporters/gltf/override_index.h"
 #include "exporters/gltf/sink.h"
 #include "frame/host/context.h"
 
@@ -23,29 +24,27 @@ private:
     struct Level {
         std::uint32_t firstUse = 0, useCount = 0;
         std::uint32_t next = 0;
-        std::uint32_t current = 0;  ///< use that was entered last
     };
 
     void WriteFrame();
     void Enter(Level& level);
-    void WriteNode(std::uint32_t use, const OverrideRow* name, const OverrideRow* place);
+    void Descend(std::uint32_t firstUse, std::uint32_t useCount);
+    void WriteNode(std::uint32_t use, const OverridesOfOne& overrides);
     void WriteParts(const Place& place);
     void WriteContent(const DefinitionRow& definition, std::uint64_t firstChild);
     void WriteChildren(std::uint32_t firstUse, std::uint32_t useCount, std::uint64_t firstNode);
     const std::string& HeadOf(std::uint32_t use);
     std::string MakeHead(const UseRow& use, const std::string& name, const Place& place) const;
-    bool Matches(const OverrideRow& row) const;
-    /// The most specific override of the present path that says a name, or a place; null if there is none.
-    const OverrideRow* FindName(const UseRow& use) const;
-    const OverrideRow* FindPlace(const UseRow& use) const;
     std::uint64_t NodesOf(std::uint32_t use) const;
 
     const ExportModel& model_;
     Sink& sink_;
     Context& context_;
-    std::vector<Level> path_;
-    std::uint64_t index_ = 0;         ///< of the node that is written next
-    std::vector<std::string> heads_;  ///< by use: what all its nodes begin with, once it was made
+    OverrideIndex overrides_;
+    std::vector<Level> levels_;
+    std::vector<std::uint32_t> path_;  ///< by level: the use that was entered last
+    std::uint64_t index_ = 0;          ///< of the node that is written next
+    std::vector<std::string> heads_;   ///< by use: what all its nodes begin with, once it was made
     std::string scratch_;
 };
 

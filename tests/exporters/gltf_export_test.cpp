@@ -170,6 +170,19 @@ TEST_F(GltfExport, TheNodeOfAnOverriddenOccurrenceShowsTheOverride) {
     EXPECT_EQ(model.TextOf(model.nodes[3].name), "spare");
 }
 
+TEST_F(GltfExport, APathFromAnotherUseOfARootLeadsFromItsFirstRoot) {
+    const auto car = AssemblyBuilder("car").Child("wheel", 2).Build();
+    graph::Selector path = car.Path({"car", "wheel#1"});
+    Var attributes;
+    attributes.At(graph::Key(Prop::kName)) = Var(L"spare");
+    path.SetAttributes(attributes);
+    car.At("wheel", 1)->AddSelector(path);
+    ASSERT_EQ(Write(Assembly{{{nullptr, car.Root()}, {nullptr, car.Root()}}}).outcome, Outcome::kDone);
+    const gltf::Model model = Model();
+    EXPECT_EQ(model.TextOf(model.nodes[3].name), "spare");
+    EXPECT_EQ(model.TextOf(model.nodes[6].name), "wheel");
+}
+
 TEST_F(GltfExport, AShearedUseIsTwoNodesAndComesBackAsOne) {
     const auto car = AssemblyBuilder("car").Child("wheel").Under("wheel", "tyre").Build();
     car.At("wheel")->SetProperty(Prop::kLocalMatrix, Var(Sheared()));
