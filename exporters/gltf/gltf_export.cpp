@@ -1,5 +1,6 @@
 #include "exporters/gltf/gltf_export.h"
 
+#include "exporters/gltf/buffer_owner.h"
 #include "exporters/gltf/buffer_writer.h"
 #include "exporters/gltf/document_writer.h"
 #include "exporters/gltf/export_model.h"
@@ -81,14 +82,14 @@ public:
         Sink sink(text, kUnlimited);
         WriteDocument(model_, plan_, UriOf(BufferNameOf(path_)), sink, context_);
         sink.Flush();
-        Require(text.Flush() && (!hasBuffer || buffer.Commit()) && text.Commit());
+        Require(text.Flush() && (hasBuffer ? SafeFile::CommitBoth(buffer, text) : text.Commit()));
     }
 
 private:
-    /// A buffer that stands there without the document belongs to another one.
+    /// A buffer that no document of this name knows belongs to another one.
     void KeepForeignBuffer(const std::filesystem::path& buffer) const {
         std::error_code error;
-        if (std::filesystem::exists(buffer, error) && !std::filesystem::exists(path_, error))
+        if (std::filesystem::exists(buffer, error) && !NamesBuffer(path_, buffer.filename().string()))
             throw ExportFailure(Outcome::kNotWritten, buffer.filename().string() +
                                                           " stands there already and belongs to another file;"
                                                           " choose another name");

@@ -42,7 +42,8 @@ struct Result {
 };
 
 /// Writes the occurrence tree as glTF 2.0, as docs/gltf.md says. Meshes are written once, whoever shows them.
-/// The target appears whole or not at all; of a .gltf and its .bin the latter is put in place first.
+/// The target appears whole or not at all, a .gltf and its .bin both or neither. A .bin that stands there and
+/// that an old .gltf of the same name does not name is left alone, and the export fails.
 Result WriteGltf(const Assembly& assembly, const std::string& path, const Options& options, Context& context);
 
 /// The name of the buffer's file beside a .gltf: "a/b.gltf" gives "b.bin".
