@@ -57,6 +57,8 @@ constexpr Limit kLimits[] = {
     {"gltf_extras_levels", gltf::kDeepestExtras, "values nested in extras"},
     {"step_parentheses", step::kDeepestParentheses, "levels of parentheses in a record of a STEP file"},
     {"step_digits", step::kMostDigits, "digits before the point, and largest exponent, of a number in it"},
+    {"step_file_name_bytes", step::kMostFileNameBytes,
+     "of the names of other files in a STEP file, again for each definition that has them"},
     {"step_shape_seconds", step::kLongestShapeSeconds,
      "for the geometry of one definition, which is left out beyond"},
     {"exchange_file_bytes", exchange::kLargestFile, "size of a query or a spatial index"},

@@ -1,3 +1,4 @@
+#include "importers/step/step_limits.h"
 #include "importers/step/step_structure.h"
 #include "tests/importers/step_text.h"
 
@@ -97,6 +98,47 @@ TEST_F(StepDocuments, ADefinitionWithUsesIsOnlyDescribedByItsDocuments) {
     Refer(Document("part.stp"), part_.definition);
     EXPECT_EQ(Read().ContentFile(), "");
     EXPECT_EQ(Read().externalFiles, std::vector<std::string>{"part.stp"});
+}
+
+TEST_F(StepDocuments, AFileIsListedOnceInTheOrderOfTheFirstDocuments) {
+    for (const char* name : {"b.pdf", "a.pdf", "b.pdf", "", "a.pdf"})
+        Refer(Document(name), part_.definition);
+    EXPECT_EQ(Read().externalFiles, (std::vector<std::string>{"b.pdf", "a.pdf"}));
+}
+
+TEST_F(StepDocuments, DefinitionsOfOneShapeShareItsExternalFiles) {
+    const auto other = text_.Definition("other");
+    const auto shape = text_.Add("PRODUCT_DEFINITION_SHAPE('',''," + Number(other.definition) + ")");
+    for (int i = 0; i < 2; ++i)
+        text_.Add("SHAPE_DEFINITION_REPRESENTATION(" + Number(shape) + "," + Number(part_.shape) + ")");
+    for (const char* name : {"a.stp", "b.stp", "a.stp"}) {
+        const auto document = Document(name);
+        Identify(document, name, "");
+        const auto property =
+            text_.Add("PROPERTY_DEFINITION('external definition',''," + Number(document) + ")");
+        text_.Add("PROPERTY_DEFINITION_REPRESENTATION(" + Number(property) + "," + Number(part_.shape) + ")");
+    }
+    const std::vector<std::string> files{"a.stp", "b.stp"};
+    EXPECT_EQ(Read().externalFiles, files);
+    EXPECT_EQ(result_.model.definitions[1].externalFiles, files);
+}
+
+TEST_F(StepDocuments, MoreBytesOfNamesThanTheLimitAreRefused) {
+    constexpr std::size_t kLongName = std::size_t{1} << 20;
+    const auto document = Document(std::string(kLongName, 'n'));
+    std::string items = Number(part_.definition);
+    for (std::size_t i = 0; i < step_limits::kMostFileNameBytes / kLongName; ++i)
+        items += "," + Number(text_.Definition("part").definition);
+    text_.Add("APPLIED_DOCUMENT_REFERENCE(" + Number(document) + ",'',(" + items + "))");
+    result_ = ReadStructure(text_.Text(), "test.stp");
+    EXPECT_EQ(result_.cause, Cause::kLimit) << result_.error;
+}
+
+TEST_F(StepDocuments, OneDefinitionCanHaveVeryManyDocuments) {
+    constexpr int kCount = 5'000;
+    for (int i = 0; i < kCount; ++i)
+        Refer(Document(std::to_string(i) + ".pdf"), part_.definition);
+    EXPECT_EQ(Read().externalFiles.size(), std::size_t{kCount});
 }
 
 }  // namespace
