@@ -21,7 +21,7 @@ bool MakeFolder(const String& folder, Context& context) {
     fs::create_directories(path, error);
     std::error_code unknown;
     if (!error || fs::is_directory(path, unknown)) return true;
-    context.Fail(LoadFailure::kUnreadable,
+    context.Fail(LoadFailure::kNotWritten,
                  folder + L": the folder cannot be made: " + String::FromUtf8(error.message()));
     return false;
 }

@@ -49,7 +49,7 @@ bool ContextResolver::Extract(const String& sourceFile, const String& spatialInd
                               const String& outputFile, Context* context) {
     const Counted<Context> used = UsedContext(context);
     if (outputFile.IsEmpty()) {
-        used->Fail(LoadFailure::kUnreadable, L"no name for the query file");
+        used->Fail(LoadFailure::kNotWritten, L"no name for the query file");
         return false;
     }
     SpatialIndex index;

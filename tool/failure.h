@@ -33,6 +33,8 @@ constexpr ExitCode CodeOf(qn::LoadFailure failure) {
             return ExitCode::kCancelled;
         case qn::LoadFailure::kDefect:
             return ExitCode::kDefect;
+        case qn::LoadFailure::kNotWritten:
+            return ExitCode::kNotWritten;
     }
     return ExitCode::kDefect;
 }

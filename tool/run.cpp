@@ -29,8 +29,9 @@ struct Options {
 /// What one call left.
 struct Outcome {
     int result = 0;
-    std::size_t firstMessage = 0;  ///< of the context: those of the call itself
-    std::string saved;             ///< the file that was written, or nothing
+    qn::LoadFailure failure = qn::LoadFailure::kNone;  ///< of the call itself
+    std::size_t firstMessage = 0;                      ///< of the context: those of the call itself
+    std::string saved;                                 ///< the file that was written, or nothing
 };
 
 constexpr const char* kExamples =
@@ -46,6 +47,11 @@ constexpr const char* kExamples =
 constexpr const char* kInvokeKey = "qn.graph.hierarchyoperation.invoke";
 constexpr const char* kSceneEnding = ".qn";
 constexpr int kDone = 1;
+
+/// Some operations answer 1 though a file that they were to read is not there: the context knows.
+bool IsDone(const Outcome& outcome) {
+    return outcome.result == kDone && outcome.failure == qn::LoadFailure::kNone;
+}
 
 /// Where the scene goes; empty if it is not saved.
 std::string TargetOf(const Options& options, const Operation& operation, const std::string& sceneFile) {
@@ -93,9 +99,11 @@ Outcome RunOperation(Session& session, const Options& options, const Operation& 
     }
     Outcome outcome;
     outcome.firstMessage = context.GetMessages().size();
+    const bool failedBefore = context.GetFailure() != qn::LoadFailure::kNone;
     outcome.result = Invoke(operation, *ParamsOf(operation, arguments, scene.Get()), context);
     if (context.IsCancelled()) throw Failure(ExitCode::kCancelled, "run " + operation.name + ": cancelled");
-    if (outcome.result != kDone || target.empty()) return outcome;
+    if (!failedBefore) outcome.failure = context.GetFailure();
+    if (!IsDone(outcome) || target.empty()) return outcome;
     SaveTo(target, *scene, session);
     outcome.saved = target;
     return outcome;
@@ -120,17 +128,23 @@ void WriteJson(Output& output, const Operation& operation, const Outcome& outcom
 }
 
 void WriteText(Output& output, const Operation& operation, const Outcome& outcome) {
-    const bool unsaved = outcome.result == kDone && operation.FindScene() && outcome.saved.empty();
+    const bool unsaved = IsDone(outcome) && operation.FindScene() && outcome.saved.empty();
     output.Line(operation.name + ": " + std::to_string(outcome.result) +
                 (outcome.saved.empty() ? "" : ", saved as " + outcome.saved) +
                 (unsaved ? ", the scene was not saved" : ""));
 }
 
-/// The exit code of what the operation answered, by way of a failure unless it is fine.
+ExitCode CodeOf(const Outcome& outcome) {
+    if (outcome.failure != qn::LoadFailure::kNone) return tool::CodeOf(outcome.failure);
+    return outcome.result < 0 ? ExitCode::kNotWritten : ExitCode::kFindings;
+}
+
+/// The exit code of what the operation answered and met, by way of a failure unless it is fine.
 void CheckResult(const Operation& operation, const Outcome& outcome) {
-    if (outcome.result == kDone) return;
-    throw Failure(outcome.result < 0 ? ExitCode::kNotWritten : ExitCode::kFindings,
-                  operation.name + " answered " + std::to_string(outcome.result));
+    if (IsDone(outcome)) return;
+    const bool failed = outcome.failure != qn::LoadFailure::kNone;
+    throw Failure(CodeOf(outcome), operation.name + (failed ? " failed, its answer is " : " answered ") +
+                                       std::to_string(outcome.result));
 }
 
 void RunNamed(const Options& options) {

@@ -85,7 +85,7 @@ SafeFile::~SafeFile() {
 
 bool SafeFile::Fail(std::string_view what) {
     const std::string text = fmt::format("{}: {}: {}", path_, what, std::strerror(errno));
-    context_.Fail(LoadFailure::kUnreadable, String::FromUtf8(text));
+    context_.Fail(LoadFailure::kNotWritten, String::FromUtf8(text));
     return false;
 }
 
@@ -95,7 +95,7 @@ bool SafeFile::Open(const std::string& path) {
     const bool exists = stat(path.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode)) {
         const std::string text = path + ": cannot be written: it is no file";
-        context_.Fail(LoadFailure::kUnreadable, String::FromUtf8(text));
+        context_.Fail(LoadFailure::kNotWritten, String::FromUtf8(text));
         return false;
     }
     if (!FollowLinks(target_)) return Fail("cannot be written");

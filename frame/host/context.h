@@ -10,8 +10,8 @@ struct MessageInfo {
     int level;  ///< 2 error, 3 error of file loading
 };
 
-/// Why a load failed, for callers that answer with different exit codes.
-enum class LoadFailure { kNone, kUnreadable, kMalformed, kLimit, kMissing, kCancelled, kDefect };
+/// Why a load, or a step that also writes, failed, for callers that answer with different exit codes.
+enum class LoadFailure { kNone, kUnreadable, kMalformed, kLimit, kMissing, kCancelled, kDefect, kNotWritten };
 
 /// The surroundings of one operation: parameters, options, messages, progress.
 class Context : public Extension {

@@ -248,6 +248,44 @@ TEST(Run, PrintsTheMessagesOfTheOperation) {
     EXPECT_TRUE(Contains(run.err, "Output file name for metadata file must be specified")) << run.err;
 }
 
+/// A path below a file: nothing can be written there, whoever asks.
+std::string Unwritable(const TemporaryFolder& folder) {
+    WriteAll(folder.File("file"), "");
+    return folder.File("file/below");
+}
+
+TEST(Run, AnswersFourWhereAnOutputCannotBeWritten) {
+    const TemporaryFolder folder;
+    const std::string nowhere = Unwritable(folder), blobs = "output_blob_folder=" + folder.File("blobs");
+    const std::vector<std::string> kCalls[] = {
+        {"run", "internal_export_scene_metadata", kLantern, "output_file=" + nowhere, blobs},
+        {"run", "internal_export_scene_metadata", kLantern, "output_file=" + folder.Path().string(), blobs},
+        {"run", "internal_export_scene_metadata", kLantern, "output_file=" + folder.File("out.json"),
+         "output_blob_folder=" + nowhere},
+        {"run", "visual_context_extract", "source_qfxml_file=" + kLantern,
+         "spatial_index_file=", "output_visual_context_query_file=" + nowhere}};
+    for (const auto& call : kCalls) {
+        const ToolRun run = RunTool(call);
+        EXPECT_EQ(run.exitCode, 4) << call[1] << "\n" << run.err;
+        EXPECT_TRUE(Contains(run.err, folder.Path().string())) << "what could not be written: " << run.err;
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.File("out.json")));
+}
+
+TEST(Run, AnswersThreeWhereAnOperationCannotReadAFile) {
+    const TemporaryFolder folder;
+    const std::string missing = folder.File("missing"), scene = folder.File("out.qn");
+    const ToolRun extracted =
+        RunTool({"run", "visual_context_extract", "source_qfxml_file=" + missing,
+                 "spatial_index_file=", "output_visual_context_query_file=" + folder.File("query.xml")});
+    EXPECT_EQ(extracted.exitCode, 3) << extracted.err;
+    EXPECT_FALSE(std::filesystem::exists(folder.File("query.xml")));
+    const ToolRun merged = RunTool({"run", "visual_context_merge", kLantern, "visual_context_file=" + missing,
+                                    "visual_context_query_file=" + missing, "-o", scene});
+    EXPECT_EQ(merged.exitCode, 3) << merged.err;
+    EXPECT_FALSE(std::filesystem::exists(scene)) << "what was not done is not saved";
+}
+
 TEST(Run, ExportsMetadataOfTheTopLevelUnlessToldOtherwise) {
     const TemporaryFolder folder;
     const std::string file = folder.File("new/metadata.json");

@@ -61,7 +61,7 @@ TEST(SafeSave, FailsWhereThereIsNoFolder) {
 
     EXPECT_FALSE(WriteFileSafely(folder.File("none/x.qn"), "bytes", *context));
 
-    EXPECT_EQ(context->GetFailure(), LoadFailure::kUnreadable);
+    EXPECT_EQ(context->GetFailure(), LoadFailure::kNotWritten);
 }
 
 TEST(SafeSave, RefusesToReplaceAFolder) {

@@ -56,7 +56,7 @@ TEST_F(SafeFileTest, RefusesAFolderInItsPlace) {
     std::filesystem::create_directory(Path());
     SafeFile file(*context_);
     EXPECT_FALSE(file.Open(Path()));
-    EXPECT_EQ(context_->GetFailure(), LoadFailure::kUnreadable);
+    EXPECT_EQ(context_->GetFailure(), LoadFailure::kNotWritten);
 }
 
 TEST_F(SafeFileTest, TakesANameAsLongAsNamesCanBe) {
