@@ -8,7 +8,9 @@
 #include "tool/show_table.h"
 #include "tool/verbs.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cwctype>
 #include <memory>
 #include <utility>
 
@@ -55,7 +57,9 @@ constexpr const char* kCreateExamples =
     "it, each "
     "tied "
     "to its\n"
-    "original by a link. With --empty it gets nothing; if it is the first, all that is shown is removed.";
+    "original by a link. With --empty it gets nothing; if it is the first, all that is shown is removed. A "
+    "name is\n"
+    "not blank, not taken, and no number as \"#2\".";
 constexpr const char* kActivateExamples =
     "Examples:\n"
     "  assembly bom activate service car.qn -o service.qn\n"
@@ -105,7 +109,29 @@ void CheckFirstEmpty(const Options& options, const Scene& scene) {
     std::fprintf(stderr, "assembly: %s\n", text.c_str());
 }
 
-void CheckNewName(const Options& options, const std::vector<BomRow>& boms) {
+/// Whether `FindBom` could take it for the number of a structure: "#" and digits.
+bool LooksLikeNumber(const std::string& name) {
+    return name.size() > 1 && name[0] == '#' && name.find_first_not_of("0123456789", 1) == std::string::npos;
+}
+
+bool IsBlank(const qn::String& name) {
+    const std::wstring_view text = name.View();
+    return std::all_of(text.begin(), text.end(),
+                       [](wchar_t letter) { return std::iswspace(static_cast<std::wint_t>(letter)) != 0; });
+}
+
+void CheckName(const std::string& name) {
+    const auto text = qn::String::FromUtf8(name);
+    if (text.ToUtf8() != name)
+        throw Failure(ExitCode::kUsage, "bom create: the name \"" + Printable(name) + "\" is no UTF-8 text");
+    if (IsBlank(text))
+        throw Failure(ExitCode::kUsage, "bom create: a structure needs a name that is not blank");
+    if (LooksLikeNumber(name))
+        throw Failure(ExitCode::kUsage, "bom create: \"" + name +
+                                            "\" stands for a structure by its number and cannot be a name");
+}
+
+void ExpectNewName(const Options& options, const std::vector<BomRow>& boms) {
     for (const BomRow& row : boms)
         if (row.name == options.name)
             throw Failure(ExitCode::kUsage,
@@ -126,11 +152,12 @@ void ForgetUnstoredIds(const Bom& bom) {
 }
 
 void Create(const Options& options) {
+    CheckName(options.name);
     const std::string path = TargetOf(options);
     Session session(options.progress);
     const auto scene = session.Load(options.load);
     const std::vector<BomRow> boms = BomsOf(*scene);
-    CheckNewName(options, boms);
+    ExpectNewName(options, boms);
     if (boms.empty() && options.empty) CheckFirstEmpty(options, *scene);
     if (!boms.empty() && !options.empty) GenerateNodes(*scene, session.GetContext());
     const auto bom = qn::CreateAs<Bom>(qn::k3::kBomKey);

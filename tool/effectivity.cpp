@@ -137,21 +137,14 @@ void Show(const Options& options) {
     options.format == "json" ? WriteShowJson(output, holders) : WriteShowTable(output, holders);
 }
 
-void WarnOfInverted(const AddedRanges& added) {
-    for (const ValidityRange& range : added.ranges)
-        if (range.to < range.from)
-            std::fprintf(stderr, "assembly: the %s range ends before it starts: nothing is valid in it\n",
-                         WordOf(range.kind));
-}
-
 void Add(const Options& options) {
     const std::string path = PathOf(options.target, options.load.file);
     if (path.empty()) throw Failure(ExitCode::kUsage, "effectivity add: say where to: -o FILE or --in-place");
+    RangesIn(options.ranges);  // a text that means nothing is refused before a large file is read
     Session session(options.progress);
     const auto scene = session.Load(options.load);
     const AddedRanges added = AddRanges(*scene, session.GetContext(), options.ranges);
     SaveTo(path, *scene, session);
-    WarnOfInverted(added);
     Output output;
     if (options.format == "json")
         output.Line(HolderJson(added.path, added.isUse, added.occurrences, added.ranges));

@@ -42,13 +42,13 @@ std::int64_t EndOf(const std::string& text) {
 std::int32_t LineOf(std::string_view text, const std::string& whole) {
     std::int32_t line = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), line);
-    if (error != std::errc() || end != text.data() + text.size())
-        FailOn(whole, "range of lines, as 12-40 or 12");
+    if (error != std::errc() || end != text.data() + text.size() || line < 0)
+        FailOn(whole, "range of lines, as 12-40 or 12 (0 to 2147483647)");
     return line;
 }
 
 ValidityRange LinesOf(const std::string& text) {
-    const std::size_t dash = text.find('-', 1);  // in front it is a sign
+    const std::size_t dash = text.find('-');
     ValidityRange range;
     range.kind = Kind::kLine;
     range.from = LineOf(std::string_view(text).substr(0, dash), text);
@@ -56,19 +56,13 @@ ValidityRange LinesOf(const std::string& text) {
     return range;
 }
 
-std::vector<ValidityRange> RangesIn(const RangesToAdd& request) {
-    std::vector<ValidityRange> ranges;
-    if (!request.from.empty() || !request.to.empty()) {
-        ValidityRange range;
-        range.from = DateOf(request.from.empty() ? kFirstDate : request.from);
-        range.to = EndOf(request.to.empty() ? kLastDate : request.to);
-        ranges.push_back(range);
-    }
-    if (!request.lines.empty()) ranges.push_back(LinesOf(request.lines));
-    if (ranges.empty()) throw Failure(ExitCode::kUsage, "say what is valid: --from, --to or --lines");
-    for (ValidityRange& range : ranges)
-        range.texts = request.texts;
-    return ranges;
+/// Other programs may write such ranges, and `lint` finds them; here it can only be a slip.
+void ExpectNotInverted(const ValidityRange& range) {
+    if (range.to >= range.from) return;
+    throw Failure(ExitCode::kUsage, std::string("the ") + WordOf(range.kind) + " range " +
+                                        EndText(range.kind, range.from) + " to " +
+                                        EndText(range.kind, range.to) +
+                                        " ends before it starts: nothing would be valid in it");
 }
 
 Node* ChildThatShows(const Node& parent, const Instance* instance) {
@@ -125,10 +119,27 @@ void Append(qn::Extension& holder, const std::vector<ValidityRange>& ranges) {
 
 }  // namespace
 
+std::vector<ValidityRange> RangesIn(const RangesToAdd& request) {
+    std::vector<ValidityRange> ranges;
+    if (!request.from.empty() || !request.to.empty()) {
+        ValidityRange range;
+        range.from = DateOf(request.from.empty() ? kFirstDate : request.from);
+        range.to = EndOf(request.to.empty() ? kLastDate : request.to);
+        ranges.push_back(range);
+    }
+    if (!request.lines.empty()) ranges.push_back(LinesOf(request.lines));
+    if (ranges.empty()) throw Failure(ExitCode::kUsage, "say what is valid: --from, --to or --lines");
+    for (ValidityRange& range : ranges) {
+        ExpectNotInverted(range);
+        range.texts = request.texts;
+    }
+    return ranges;
+}
+
 AddedRanges AddRanges(qn::k3::Scene& scene, qn::Context& context, const RangesToAdd& request) {
-    const Structure structure = ReadStructure(scene, context);
     AddedRanges added;
     added.ranges = RangesIn(request);
+    const Structure structure = ReadStructure(scene, context);
     OccurrencePaths paths(structure);
     const std::vector<const Use*> path = paths.Find(request.occurrence);
     added.path = paths.PathOf(path);

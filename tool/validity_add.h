@@ -11,7 +11,7 @@ namespace assembly::tool {
 struct RangesToAdd {
     std::string occurrence;  ///< path
     std::string from, to;    ///< dates; a missing one leaves that end open, both missing: no date range
-    std::string lines;       ///< "A-B" or "A"; empty: no line range
+    std::string lines;       ///< "A-B" or "A" from 0 on; empty: no line range
     std::vector<std::string> texts;
     bool onlyHere = false;  ///< for this occurrence alone, not for its use
 };
@@ -24,9 +24,13 @@ struct AddedRanges {
     std::vector<ValidityRange> ranges;
 };
 
+/// What the texts say. Fails with kUsage for one that means nothing, and for a range that ends before it
+/// starts.
+std::vector<ValidityRange> RangesIn(const RangesToAdd& request);
+
 /// Adds the ranges behind those that are there. A top-level occurrence, and with `onlyHere` any, keeps them
-/// on its node, which is then made if it is not there. Fails with kUsage for a path or a text that means
-/// nothing.
+/// on its node, which is then made if it is not there. Fails with kUsage as `RangesIn`, and for a path that
+/// leads nowhere.
 AddedRanges AddRanges(qn::k3::Scene& scene, qn::Context& context, const RangesToAdd& request);
 
 }  // namespace assembly::tool

@@ -110,6 +110,20 @@ TEST_F(BomTool, RefusesANameThatIsTaken) {
     EXPECT_FALSE(std::filesystem::exists(other_));
 }
 
+TEST_F(BomTool, RefusesANameThatCannotBeCalled) {
+    for (const char* name : {"", " ", " \t ", "#1", "#27", "\xff"}) {
+        const ToolRun run = RunTool({"bom", "create", name, file_, "-o", other_});
+        EXPECT_EQ(run.exitCode, 2) << name;
+        EXPECT_TRUE(Contains(run.err, "bom create: ")) << run.err;
+        EXPECT_FALSE(std::filesystem::exists(other_)) << name;
+    }
+}
+
+TEST_F(BomTool, TakesANameThatOnlyBeginsLikeANumber) {
+    for (const char* name : {"#", "#2a", "1", "# 2"})
+        EXPECT_EQ(RunTool({"bom", "create", name, file_, "-o", other_}).exitCode, 0) << name;
+}
+
 TEST_F(BomTool, NamesTheStructuresThatThereAre) {
     for (const char* verb : {"activate", "show"}) {
         std::vector<std::string> words{"bom", verb, "desing", file_};

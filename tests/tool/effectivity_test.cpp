@@ -2,6 +2,13 @@
 
 #include "tests/tool/tool_process.h"
 
+#include "engine/stream/scene_file.h"
+#include "frame/host/api.h"
+#include "frame/host/parameter_ids.h"
+#include "frame/host/scene.h"
+#include "product/effectivity.h"
+#include "tool/occurrence_path.h"
+
 #include <gtest/gtest.h>
 
 namespace assembly::tests {
@@ -27,6 +34,19 @@ protected:
     ToolRun Add(const std::string& path, std::vector<std::string> words) {
         words.insert(words.begin(), {"effectivity", "add", file_, "--in-place", "--occurrence", path});
         return RunTool(words);
+    }
+    /// As another program may have written it: nothing is looked at.
+    void StoreLines(const std::string& path, int first, int last) {
+        const auto context = qn::api->CreateContext(0, 0);
+        const auto scene = qn::Make<qn::k3::Scene>();
+        const auto name = qn::String::FromUtf8(file_);
+        ASSERT_TRUE(qn::LoadSceneFile(name, *scene, *context));
+        const tool::Structure structure = tool::ReadStructure(*scene, *context);
+        const auto ranges = qn::CreateAs<qn::k3::Effectivity>(qn::k3::kEffectivityKey);
+        ranges->AddLineRange(first, last);
+        const tool::Use& use = *tool::OccurrencePaths(structure).Find(path).back();
+        use.instance->SetParamObject(qn::Param::kEffectivity, ranges.Get());
+        ASSERT_TRUE(qn::SaveSceneFile(*scene, name, *context));
     }
     json Show() { return ToolJson({"effectivity", "show", "--format", "json", file_})["effectivity"]; }
     /// "CODE PATH" of each finding.
@@ -132,6 +152,11 @@ TEST_F(EffectivityTool, RefusesPathsAndTextsThatMeanNothing) {
         {kHousing + "/Vis à tête hexagonale[x]", {"--lines", "1"}},
         {kBolt, {"--lines", "1-x"}},
         {kBolt, {"--lines", "99999999999"}},
+        {kBolt, {"--lines", "2147483648"}},
+        {kBolt, {"--lines", "-1"}},
+        {kBolt, {"--lines", "-5-3"}},
+        {kBolt, {"--lines", "3--5"}},
+        {kBolt, {"--lines", "3-"}},
         {kBolt, {"--from", "2026-02-30"}},
         {kBolt, {"--text", "alone"}}};
     const std::string bytes = ReadAll(file_);
@@ -142,11 +167,28 @@ TEST_F(EffectivityTool, RefusesPathsAndTextsThatMeanNothing) {
     EXPECT_TRUE(ReadAll(file_) == bytes);
 }
 
-TEST_F(EffectivityTool, SaysThatAnInvertedRangeHoldsNothingAndKeepsIt) {
-    const ToolRun run = Add(kBolt, {"--lines", "9-1"});
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_TRUE(Contains(run.err, "ends before it starts")) << run.err;
-    EXPECT_EQ(Show()[0]["ranges"][0]["from"], 9);
+TEST_F(EffectivityTool, RefusesARangeThatEndsBeforeItStarts) {
+    const std::string bytes = ReadAll(file_);
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"--lines", "9-1"},
+          {"--from", "2026-02-01", "--to", "2026-01-31"},
+          {"--lines", "1-9", "--from", "2026-02-01", "--to", "2026-01-31"}}) {
+        const ToolRun run = Add(kBolt, words);
+        EXPECT_EQ(run.exitCode, 2);
+        EXPECT_TRUE(Contains(run.err, "ends before it starts")) << run.err;
+    }
+    EXPECT_TRUE(ReadAll(file_) == bytes);
+}
+
+TEST_F(EffectivityTool, RefusesATextThatMeansNothingBeforeTheFileIsRead) {
+    const ToolRun run = RunTool({"effectivity", "add", "nowhere.qn", "--occurrence", "x", "--lines", "x",
+                                 "-o", folder_.File("out.qn")});
+    EXPECT_EQ(run.exitCode, 2) << run.err;
+}
+
+TEST_F(EffectivityTool, TakesLinesFromNoughtOn) {
+    ASSERT_EQ(Add(kBolt, {"--lines", "0-2147483647"}).exitCode, 0);
+    EXPECT_EQ(Show()[0]["ranges"][0]["to"], 2147483647);
 }
 
 TEST_F(EffectivityTool, LintGoesOnBehindAFileThatCannotBeRead) {
@@ -164,7 +206,7 @@ TEST_F(EffectivityTool, LintFindsNothingInPlainFiles) {
 }
 
 TEST_F(EffectivityTool, LintFindsInvertedOverlappingAndMissingStretches) {
-    Add(kHousing, {"--lines", "9-1"});
+    StoreLines(kHousing, 9, 1);
     EXPECT_EQ(Lint(), (std::vector<std::string>{"inverted-range " + kHousing}));
     Add(kHousing, {"--lines", "1-5"});
     Add(kHousing, {"--lines", "5-7"});
@@ -195,7 +237,7 @@ TEST_F(EffectivityTool, LintTakesDaysThatFollowEachOtherForWhole) {
 }
 
 TEST_F(EffectivityTool, LintLooksAtSeveralFiles) {
-    Add(kHousing, {"--lines", "9-1"});
+    StoreLines(kHousing, 9, 1);
     const ToolRun run = RunTool({"effectivity", "lint", kLantern, file_});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(Contains(run.out, "error: line 9 to 1 ends before it starts [inverted-range]")) << run.out;
