@@ -2,6 +2,7 @@
 
 #include "construction/hierarchy_factory_impl.h"
 #include "construction/hierarchy_generator_impl.h"
+#include "frame/host/module_classes.h"
 #include "frame/host/translate.h"
 #include "frame/module.h"
 #include "graph/instance_impl.h"
@@ -39,11 +40,6 @@ constexpr CatalogueRow kCatalogue[] = {
     {"qn.graph.hierarchychecker", "Hierarchy Validator", kHostFlag},
     {"qn.utility.sceneutilities", "Scene Utilities", kPlain},
 };
-
-template <class T>
-Counted<Interface> MakeOne() {
-    return Make<T>();
-}
 
 constexpr CreationRow kCreationOrder[] = {
     {"qn.k3.bom", &MakeOne<k3::BomImpl>},

@@ -1,6 +1,7 @@
 #include "frame/entry.h"
 
 #include "frame/catalogue.h"
+#include "frame/host/module_code.h"
 #include "frame/host/translate.h"
 #include "frame/module.h"
 #include "frame/post_load_hook.h"
@@ -66,13 +67,13 @@ struct CommandRow {
 };
 
 constexpr CommandRow kCommands[] = {
-    {Command::kRegister, &Register},
-    {Command::kSceneLoaded, &SceneLoaded},
-    {Command::kInterfaceVersion, &InterfaceVersion},
-    {Command::kVersionText, &VersionText},
-    {Command::kDescription, &Description},
-    {Command::kIdentifier, &Identifier},
-    {Command::kCreate, &Create},
+    {ModuleCode::kRegister, &Register},
+    {ModuleCode::kPostLoad, &SceneLoaded},
+    {ModuleCode::kInterfaceVersion, &InterfaceVersion},
+    {ModuleCode::kVersionText, &VersionText},
+    {ModuleCode::kDescription, &Description},
+    {ModuleCode::kIdentifier, &Identifier},
+    {ModuleCode::kCreate, &Create},
 };
 
 }  // namespace

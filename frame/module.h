@@ -8,7 +8,6 @@
 namespace qn::frame {
 
 inline constexpr const char* kTranslationCatalogue = "assembly";
-inline constexpr int kInterfaceVersion = 0x910;
 inline constexpr const wchar_t* kVersionText = L"9.0.0.35737";
 inline constexpr const char* kDescription = "Assembly extensions";
 

@@ -2,14 +2,13 @@
 
 #include "engine/objects/param_word.h"
 #include "frame/host/collections.h"
+#include "frame/host/module_code.h"
 #include "frame/host/params.h"
 
 #include <utility>
 
 namespace qn {
 namespace {
-
-constexpr int kInterfaceVersion = 0x910;
 
 /// Shares `object` in a counted member; the old one goes last.
 template <class T>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "frame/host/api.h"
+#include "frame/host/module_code.h"
 
 #include <string>
 #include <string_view>
@@ -8,21 +9,6 @@
 #include <vector>
 
 namespace qn {
-
-/// The one function that a module exports.
-using ModuleEntry = std::uintptr_t (*)(unsigned code, void* first, void* second);
-
-/// Codes of a module's entry function.
-namespace ModuleCode {
-inline constexpr unsigned kRegister = 0x1001;  ///< second: the module handle
-inline constexpr unsigned kPostLoad = 0x1009;  ///< first: the scene, second: not 0 for a merged file
-inline constexpr unsigned kInterfaceVersion = 0x1010;
-inline constexpr unsigned kVersionText = 0x1020;  ///< first: wide buffer, second: its capacity
-inline constexpr unsigned kDescription = 0x1021;  ///< as kVersionText
-inline constexpr unsigned kIdentifier = 0x1023;   ///< first: 16 bytes
-inline constexpr unsigned kCreate =
-    0x10002;  ///< first: class key; answers an Interface* with one count, or 0
-}  // namespace ModuleCode
 
 struct LoadedModule {
     ModuleHandle handle = nullptr;

@@ -11,8 +11,8 @@ class Scene;
 /// The modules of this process.
 ModuleTable& Modules();
 
-/// Takes a module in that is part of the program (tests, static builds): keeps handle and entry and calls
-/// 0x1001.
+/// Takes a module in that is part of the program (tests, static builds): keeps handle and entry and has it
+/// register its classes.
 bool RegisterEntry(ModuleHandle handle, ModuleEntry entry);
 
 /// Loads a module from a file and has it register its classes; true at once if it is loaded already. A name

@@ -28,7 +28,7 @@ class Extension : public Interface {
 public:
     ~Extension() override;
 
-    /// 0x910
+    /// `kInterfaceVersion` of the contract.
     virtual int GetInterfaceVersion() const;
     /// The tag of the stored parameter, 0 if there is none.
     virtual int GetParamType(int id) const;

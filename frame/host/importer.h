@@ -28,8 +28,8 @@ inline constexpr const wchar_t* kAngle = L"angle";          ///< number, degrees
 ///     endings = .stp .step .p21            lower case
 ///     magic = ISO-10303-21;                text that stands in the first 1,024 bytes
 ///
-/// The module registers its classes when its `K3DLLFunc` is called with 0x1001, and creates them through
-/// 0x10002.
+/// The module registers its classes when its `K3DLLFunc` is called with `ModuleCode::kRegister`, and creates
+/// them through `kCreate`.
 class Importer : public Extension {
 public:
     /// Reads `file` below `top`, an empty node that already has its place in the scene and the file's name.

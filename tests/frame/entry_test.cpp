@@ -2,6 +2,7 @@
 
 #include "engine/runtime/modules.h"
 #include "frame/catalogue.h"
+#include "frame/host/module_code.h"
 #include "frame/host/translate.h"
 #include "frame/host/xml.h"
 #include "frame/module.h"
@@ -14,7 +15,7 @@
 namespace qn::test {
 namespace {
 
-using frame::Command::kCreate;
+using ModuleCode::kCreate;
 
 Counted<Interface> Create(const char* key) {
     return Counted<Interface>::Adopt(
@@ -185,7 +186,7 @@ TEST_F(Registration, PassesTheCatalogueInItsOrderWithItsValues) {
 }
 
 TEST_F(Registration, DoneTwiceRegistersTwice) {
-    EXPECT_EQ(K3DLLFunc(frame::Command::kRegister, nullptr, module_.Handle()), 1u);
+    EXPECT_EQ(K3DLLFunc(ModuleCode::kRegister, nullptr, module_.Handle()), 1u);
     EXPECT_EQ(RowsOf(module_.Handle()).size(), 2 * std::size(kClasses));
 }
 
@@ -199,7 +200,7 @@ String Recorder(const char* catalogue, const char* source, const char* kind) {
 TEST_F(Registration, TranslatesTheDisplayNames) {
     askedFor.clear();
     SetTranslateHook(&Recorder);
-    K3DLLFunc(frame::Command::kRegister, nullptr, module_.Handle());
+    K3DLLFunc(ModuleCode::kRegister, nullptr, module_.Handle());
     SetTranslateHook(nullptr);
     ASSERT_EQ(askedFor.size(), std::size(kClasses));
     EXPECT_EQ(askedFor[0], "assembly|Bill of Materials|XTXT: extension info");

@@ -1,6 +1,7 @@
 #include "engine/runtime/session.h"
 #include "frame/entry.h"
 #include "frame/host/meta.h"
+#include "frame/host/module_code.h"
 #include "frame/host/parameter_ids.h"
 #include "frame/host/scene_document.h"
 #include "frame/host/translate.h"
@@ -23,7 +24,7 @@ class PostLoadHook : public testing::Test {
 protected:
     ~PostLoadHook() override { GetSession().userData = VarMap::Create(); }
     std::uintptr_t Run(void* second = kLoaded) {
-        return K3DLLFunc(frame::Command::kSceneLoaded, scene_.Get(), second);
+        return K3DLLFunc(ModuleCode::kPostLoad, scene_.Get(), second);
     }
     void SayIsJob(const Var& value) {
         GetSession().userData = VarMap::Create();
@@ -37,7 +38,7 @@ protected:
 };
 
 TEST_F(PostLoadHook, LeavesANullSceneAlone) {
-    EXPECT_EQ(K3DLLFunc(frame::Command::kSceneLoaded, nullptr, kLoaded), 1u);
+    EXPECT_EQ(K3DLLFunc(ModuleCode::kPostLoad, nullptr, kLoaded), 1u);
     EXPECT_EQ(Script().made, 0);
 }
 
@@ -192,7 +193,7 @@ TEST_F(PostLoadHook, AnswersOneEvenIfTheValidatorThrows) {
 
 TEST(PostLoadHookWithoutValidator, AnswersOne) {
     const auto scene = Make<k3::Scene>();
-    EXPECT_EQ(K3DLLFunc(frame::Command::kSceneLoaded, scene.Get(), nullptr), 1u);
+    EXPECT_EQ(K3DLLFunc(ModuleCode::kPostLoad, scene.Get(), nullptr), 1u);
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #include "engine/runtime/resources.h"
 #include "frame/catalogue.h"
 #include "frame/entry.h"
+#include "frame/host/module_code.h"
 #include "frame/host/translate.h"
 #include "frame/module.h"
 #include "operations/description.h"
+#include "tests/support/inert_api.h"
 
 #include <gtest/gtest.h>
 
@@ -13,38 +15,20 @@
 namespace qn::test {
 namespace {
 
-/// A host that refuses every class and remembers what the module looked like when it was asked.
-class RefusingApi final : public Api {
+/// Remembers what the module looked like when it was refused.
+class RefusingApi final : public InertApi {
 public:
     struct Asked {
         std::string key;
         ModuleHandle given, stored;
     };
 
-    RefusingApi() : former_(api) { api = this; }
-    ~RefusingApi() override { api = former_; }
-
     bool RegisterExtension(ModuleHandle handle, const char* key, unsigned, const String&) override {
         asked.push_back({key, handle, frame::GetModuleHandle()});
         return false;
     }
 
-    Counted<Interface> Create(const char*) override { return nullptr; }
-    VarMap* GetPcoreSessionUserData() override { return nullptr; }
-    bool GetSpecialFolder(int, wchar_t*, int) override { return false; }
-    Counted<Collection> CreateCollection() override { return nullptr; }
-    Counted<Stream> CreateStream(ModuleHandle, const wchar_t*, unsigned) override { return nullptr; }
-    String GetProductName() override { return String(); }
-    bool GetDocumentPath(wchar_t*, int) override { return false; }
-    Counted<Context> CreateContext(int, int) override { return nullptr; }
-    void* GetMainWindow(int) override { return nullptr; }
-    int ShowMessageBox(void*, const String&, const String&, unsigned) override { return 0; }
-    bool LoadModule(const String&, String*) override { return false; }
-
     std::vector<Asked> asked;
-
-private:
-    Api* former_;
 };
 
 class RefusedRegistration : public testing::Test {
@@ -56,7 +40,7 @@ protected:
     }
 
     ModuleHandle Handle() { return this; }
-    std::uintptr_t Register() { return K3DLLFunc(frame::Command::kRegister, nullptr, Handle()); }
+    std::uintptr_t Register() { return K3DLLFunc(ModuleCode::kRegister, nullptr, Handle()); }
 
     RefusingApi host_;
 };
