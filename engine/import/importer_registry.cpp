@@ -1,29 +1,14 @@
 #include "engine/import/importer_registry.h"
 
 #include "engine/import/scene_importer.h"
-#include "engine/runtime/byte_stream.h"
-#include "engine/runtime/module_folder.h"
+#include "engine/runtime/record_folder.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <optional>
 
 namespace qn {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr const char* kRecordEnding = ".importer";
-
-std::vector<fs::path> RecordFiles(const std::string& folder) {
-    std::vector<fs::path> files;
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(folder, error)) {
-        if (entry.path().extension() == kRecordEnding) files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
 
 template <class Test>
 const ImporterRecord* FirstOf(const std::vector<const ImporterRecord*>& records, Test&& test) {
@@ -32,28 +17,22 @@ const ImporterRecord* FirstOf(const std::vector<const ImporterRecord*>& records,
     return found == records.end() ? nullptr : *found;
 }
 
-/// The registry of the process, and the folder that it was read from.
-struct ProcessImporters {
-    ProcessImporters() { registry.AddBuiltIn(SceneImporterRecord()); }
+ImporterRegistry BuiltInImporters() {
     ImporterRegistry registry;
-    std::optional<std::string> folder;
-};
+    registry.AddBuiltIn(SceneImporterRecord());
+    return registry;
+}
 
 }  // namespace
 
 void ImporterRegistry::ReadFolder(const std::string& folder) {
     found_.clear();
-    problems_.clear();
-    for (const fs::path& file : RecordFiles(folder)) {
-        const auto stream = ByteStream::OpenFile(String::FromUtf8(file.string()));
+    problems_ = ReadRecordFolder(folder, kRecordEnding, [&](std::string_view text, String& reason) {
         ImporterRecord record;
-        String reason = L"the file cannot be read";
-        if (stream && ParseImporterRecord(stream->Rest(), folder, record, reason)) {
-            found_.push_back(std::move(record));
-        } else {
-            problems_.push_back(String::FromUtf8(file.filename().string()) + L": " + reason);
-        }
-    }
+        if (!ParseImporterRecord(text, folder, record, reason)) return false;
+        found_.push_back(std::move(record));
+        return true;
+    });
 }
 
 std::vector<const ImporterRecord*> ImporterRegistry::GetRecords() const {
@@ -93,13 +72,8 @@ String ImporterRegistry::Describe() const {
 }
 
 const ImporterRegistry& Importers() {
-    static auto& process = *new ProcessImporters;
-    const std::string folder = ModuleFolder().ToUtf8();
-    if (process.folder != folder) {
-        process.registry.ReadFolder(folder);
-        process.folder = folder;
-    }
-    return process.registry;
+    static auto& process = *new ModuleFolderRecords<ImporterRegistry>(BuiltInImporters());
+    return process.Current();
 }
 
 }  // namespace qn

@@ -1,35 +1,15 @@
 #include "engine/runtime/module_record.h"
 
-#include "engine/runtime/byte_stream.h"
-#include "engine/runtime/module_folder.h"
 #include "engine/runtime/record_fields.h"
+#include "engine/runtime/record_folder.h"
+#include "frame/host/interface.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <optional>
 
 namespace qn {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr const char* kRecordEnding = ".module";
-
-std::vector<fs::path> RecordFiles(const std::string& folder) {
-    std::vector<fs::path> files;
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(folder, error)) {
-        if (entry.path().extension() == kRecordEnding) files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-/// The records of the process, and the folder that they were read from.
-struct ProcessRecords {
-    ModuleRecords records;
-    std::optional<std::string> folder;
-};
 
 }  // namespace
 
@@ -55,17 +35,12 @@ bool ParseModuleRecord(std::string_view text, const std::string& folder, ModuleR
 
 void ModuleRecords::ReadFolder(const std::string& folder) {
     records_.clear();
-    problems_.clear();
-    for (const fs::path& file : RecordFiles(folder)) {
-        const auto stream = ByteStream::OpenFile(String::FromUtf8(file.string()));
+    problems_ = ReadRecordFolder(folder, kRecordEnding, [&](std::string_view text, String& reason) {
         ModuleRecord record;
-        String reason = L"the file cannot be read";
-        if (stream && ParseModuleRecord(stream->Rest(), folder, record, reason)) {
-            records_.push_back(std::move(record));
-        } else {
-            problems_.push_back(String::FromUtf8(file.filename().string()) + L": " + reason);
-        }
-    }
+        if (!ParseModuleRecord(text, folder, record, reason)) return false;
+        records_.push_back(std::move(record));
+        return true;
+    });
 }
 
 const ModuleRecord* ModuleRecords::Find(const char* classKey) const {
@@ -78,13 +53,8 @@ const ModuleRecord* ModuleRecords::Find(const char* classKey) const {
 }
 
 const ModuleRecords& KnownModules() {
-    static auto& process = *new ProcessRecords;
-    const std::string folder = ModuleFolder().ToUtf8();
-    if (process.folder != folder) {
-        process.records.ReadFolder(folder);
-        process.folder = folder;
-    }
-    return process.records;
+    static auto& process = *new ModuleFolderRecords<ModuleRecords>;
+    return process.Current();
 }
 
 }  // namespace qn
