@@ -4,6 +4,7 @@
 #include "construction/selector_paths.h"
 #include "construction/working_maps.h"
 #include "graph/node_traverser.h"
+#include "graph/node_walk.h"
 
 namespace qn::graph {
 
@@ -33,19 +34,10 @@ Var MetadataFor(const k3::Node& node) {
     return metadata;
 }
 
-/// The next node in the order parents first, siblings in order; null at the end of the subtree.
-k3::Node* NextBelow(k3::Node* node, const k3::Node* root) {
-    if (k3::Node* const child = node->GetFirstChild()) return child;
-    for (; node != root; node = node->GetParent())
-        if (k3::Node* const sibling = node->GetNextSibling()) return sibling;
-    return nullptr;
-}
-
 }  // namespace
 
 void ApplyNodeToInstance(k3::Node* root) {
-    for (k3::Node* node = root; node; node = NextBelow(node, root))
-        ApplyOneNode(*node);
+    if (root) WalkNodes(*root, &ApplyOneNode);
 }
 
 void ApplyNodeToReference(k3::Node* node, Reference* reference) {

@@ -1,17 +1,17 @@
 #include "exchange/content_boxes.h"
 
+#include "graph/node_content.h"
+#include "graph/node_walk.h"
+
+#include <optional>
 #include <unordered_map>
-#include <vector>
 
 namespace qn::exchange {
 namespace {
 
 /// What the node shows, behind a substitution, if that is a mesh.
 const k3::Mesh* MeshOf(const k3::Node& node) {
-    k3::Object3D* object = node.GetObject();
-    if (const auto* substitution = Cast<k3::MaterialSubstitution>(object))
-        object = substitution->GetSubstituted();
-    return Cast<k3::Mesh>(object);
+    return Cast<k3::Mesh>(graph::BehindSubstitution(node.GetObject()));
 }
 
 Box Measure(const k3::Mesh& mesh) {
@@ -22,12 +22,6 @@ Box Measure(const k3::Mesh& mesh) {
         box.AddPoint({positions[i], positions[i + 1], positions[i + 2]});
     return box;
 }
-
-/// A node whose remaining siblings are still to be visited, and the place of their parent.
-struct Level {
-    k3::Node* next;
-    Matrix4<double> parent;
-};
 
 }  // namespace
 
@@ -46,20 +40,13 @@ void ForEachContentBox(k3::Node& top, const ContentBoxFunction& visit) {
     };
     const Matrix4<double> world = top.GetWorldMatrix();
     take(top, world);
-    std::vector<Level> levels{{top.GetFirstChild(), world}};
-    while (!levels.empty()) {
-        k3::Node* node = levels.back().next;
-        if (!node) {
-            levels.pop_back();
-            continue;
-        }
-        levels.back().next = node->GetNextSibling();
+    graph::WalkBelow(top, world, [&](k3::Node& node, const Matrix4<double>& above) {
         Matrix4<double> place;
-        node->GetMatrix(&place, 0);
-        place.SetMul(place, levels.back().parent);
-        take(*node, place);
-        if (node->GetFirstChild()) levels.push_back({node->GetFirstChild(), place});
-    }
+        node.GetMatrix(&place, 0);
+        place.SetMul(place, above);
+        take(node, place);
+        return std::optional(place);
+    });
 }
 
 }  // namespace qn::exchange

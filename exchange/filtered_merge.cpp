@@ -5,6 +5,7 @@
 #include "frame/host/api.h"
 #include "graph/instance.h"
 #include "graph/lookup_table.h"
+#include "graph/node_content.h"
 
 #include <unordered_map>
 #include <unordered_set>
@@ -28,7 +29,7 @@ public:
     explicit operator bool() const { return static_cast<bool>(table_); }
 
     bool Wants(const k3::Node& node) const {
-        auto* instance = Cast<graph::Instance>(node.GetParamObject(Param::kInstance));
+        auto* instance = graph::CarriedInstance(node);
         if (instance && table_->IsElementAllowed(instance)) return true;
         const String path = node.GetParamVar(Param::kBsId).ToText();
         return path.NonEmpty() && table_->IsPathAllowed(path);

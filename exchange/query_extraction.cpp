@@ -4,6 +4,7 @@
 #include "exchange/content_boxes.h"
 #include "frame/host/scene_document.h"
 #include "graph/instance.h"
+#include "graph/node_content.h"
 
 #include <unordered_set>
 
@@ -33,7 +34,7 @@ struct Collector {
     void AddAll(k3::Scene& scene) {
         for (k3::Node* node = scene.GetFirstChild(); node; node = k3::NextInSubtree(node, &scene)) {
             paths.Add(node->GetParamVar(Param::kBsId).ToText());
-            if (const auto* instance = Cast<graph::Instance>(node->GetParamObject(Param::kInstance)))
+            if (const auto* instance = graph::CarriedInstance(*node))
                 ids.Add(instance->GetProperty(graph::Prop::kBsId, 0).ToText());
         }
     }

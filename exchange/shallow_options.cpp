@@ -2,6 +2,7 @@
 
 #include "engine/scene/tree_walk.h"
 #include "exchange/file_access.h"
+#include "graph/node_content.h"
 #include "product/bom.h"
 
 #include <charconv>
@@ -67,7 +68,7 @@ bool TakeStructure(Interface* structure, ShallowOptions& options) {
 
 bool HasId(const k3::Node& node, const String& id) {
     if (node.GetParamVar(Param::kBsId).ToText() == id) return true;
-    const auto* instance = Cast<graph::Instance>(node.GetParamObject(Param::kInstance));
+    const auto* instance = graph::CarriedInstance(node);
     return instance && instance->GetProperty(graph::Prop::kBsId, 0).ToText() == id;
 }
 

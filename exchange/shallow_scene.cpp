@@ -1,13 +1,17 @@
 #include "exchange/shallow_scene.h"
 
 #include "frame/host/collections.h"
+#include "graph/node_content.h"
+#include "graph/node_walk.h"
+
+#include <optional>
 
 namespace qn::exchange {
 namespace {
 
 void CopyIds(const k3::Node& source, k3::Node& copy) {
     Var bsId = source.GetParamVar(Param::kBsId);
-    const auto* instance = Cast<graph::Instance>(source.GetParamObject(Param::kInstance));
+    const auto* instance = graph::CarriedInstance(source);
     if (bsId.IsEmpty() && instance) bsId = instance->GetProperty(graph::Prop::kBsId, 0);
     copy.SetParamVar(Param::kBsId, bsId);
     Var externalIds = source.GetParamVar(Param::kExternalIds);
@@ -28,32 +32,22 @@ void CopyFields(const k3::Node& source, k3::Node& copy, const TreeOptions& optio
     if (VarMap* map = metadata.ToMap(); map && map->GetCount() > 0) copy.SetMetadata(map);
 }
 
-/// A node whose remaining siblings are still to be copied below `parent`.
-struct Level {
-    const k3::Node* next;
-    k3::Node* parent;
+/// A copy below which further ones may stand.
+struct Copied {
+    k3::Node* node;
+    int level;  // 1 for the top
 };
 
 void CopyTree(const k3::Node& top, k3::Scene& scene, const TreeOptions& options) {
-    k3::Node* copy = scene.CreateEmptyNode(0, 0, 0);
-    CopyFields(top, *copy, options);
-    std::vector<Level> levels;
-    const auto enter = [&](const k3::Node& source, k3::Node* parent) {
-        if (static_cast<int>(levels.size()) + 1 < options.levels)
-            levels.push_back({source.GetFirstChild(), parent});
+    const auto copy = [&](const k3::Node& source, const Copied& target) -> std::optional<Copied> {
+        CopyFields(source, *target.node, options);
+        return target.level < options.levels ? std::optional(target) : std::nullopt;
     };
-    enter(top, copy);
-    while (!levels.empty()) {
-        const auto [source, parent] = levels.back();
-        if (!source) {
-            levels.pop_back();
-            continue;
-        }
-        levels.back().next = source->GetNextSibling();
-        k3::Node* child = parent->CreateChildNode(0, 0, 0);
-        CopyFields(*source, *child, options);
-        enter(*source, child);
-    }
+    const auto copyBelow = [&](const k3::Node& source, const Copied& parent) {
+        return copy(source, {parent.node->CreateChildNode(0, 0, 0), parent.level + 1});
+    };
+    const auto copied = copy(top, {scene.CreateEmptyNode(0, 0, 0), 1});
+    if (copied) graph::WalkBelow(top, *copied, copyBelow);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "exchange/content_boxes.h"
 #include "exchange/limits.h"
 #include "graph/instance.h"
+#include "graph/node_content.h"
 
 #include <algorithm>
 #include <charconv>
@@ -137,7 +138,7 @@ SpatialIndex IndexOf(k3::Node& top) {
     ForEachContentBox(top, [&](k3::Node& node, const Box& box) {
         IndexEntry entry;
         entry.box = box;
-        if (const auto* instance = Cast<graph::Instance>(node.GetParamObject(Param::kInstance)))
+        if (const auto* instance = graph::CarriedInstance(node))
             entry.id = IdText(instance->GetProperty(graph::Prop::kBsId, 0));
         entry.path = IdText(node.GetParamVar(Param::kBsId));
         if (entry.id.NonEmpty() || entry.path.NonEmpty()) index.entries.push_back(std::move(entry));

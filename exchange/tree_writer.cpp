@@ -1,5 +1,7 @@
 #include "exchange/tree_writer.h"
 
+#include "graph/node_content.h"
+
 namespace qn::exchange {
 namespace {
 
@@ -55,7 +57,7 @@ void TreeWriter::WriteSelector(k3::Node& node) {
     json_.Key("parent");
     path_.empty() ? json_.Null() : json_.Integer(path_.back());
     json_.TextField("name", node.GetName());
-    if (auto* instance = Cast<graph::Instance>(node.GetParamObject(Param::kInstance)))
+    if (auto* instance = graph::CarriedInstance(node))
         json_.IntegerField("node", static_cast<std::int64_t>(instances_.NumberOf(instance)));
     WriteData(node.GetParamVar(Param::kBsId), node.GetParamVar(Param::kExternalIds),
               Var(node.GetMetadata(false)));

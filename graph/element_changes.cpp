@@ -6,11 +6,14 @@
 #include "graph/instance_impl.h"
 #include "graph/lookup_table.h"
 #include "graph/metadata_filter.h"
+#include "graph/node_content.h"
 #include "graph/node_maps.h"
 #include "graph/node_matching.h"
+#include "graph/node_walk.h"
 #include "graph/persistent_selector_impl.h"
 #include "graph/reference.h"
 
+#include <optional>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -53,21 +56,8 @@ private:
 };
 
 void ElementWalk::Run(k3::Node& top, const String& path) {
-    struct Level {
-        k3::Node* next;
-        String path;
-    };
-    std::vector<Level> levels{{top.GetFirstChild(), Step(top, path)}};
-    while (!levels.empty()) {
-        k3::Node* node = levels.back().next;
-        if (!node) {
-            levels.pop_back();
-            continue;
-        }
-        levels.back().next = node->GetNextSibling();
-        String below = Step(*node, levels.back().path);
-        levels.push_back({node->GetFirstChild(), std::move(below)});
-    }
+    WalkBelow(top, Step(top, path),
+              [&](k3::Node& node, const String& above) { return std::optional<String>(Step(node, above)); });
 }
 
 /// Metadata value of a group, empty if missing.
@@ -94,7 +84,7 @@ void FilterNode(k3::Node& node, const Var& base) {
 }
 
 String ElementWalk::Step(k3::Node& node, const String& path) {
-    Counted<Instance> instance = InstanceCarriedBy(&node);
+    Counted<Instance> instance(CarriedInstance(node));
     if (!instance && table_ && node.GetParamVar(Param::kInstance).IsEmpty())
         instance = table_->GetInstanceOfNode(&node);
     if (!instance) return path;

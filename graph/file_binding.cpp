@@ -3,6 +3,7 @@
 #include "graph/instance_impl.h"
 #include "graph/lookup_table_impl.h"
 #include "graph/module_handle.h"
+#include "graph/node_content.h"
 #include "graph/reference_impl.h"
 
 // References that stand for files: which file, and whether it has to be read at all.
@@ -39,8 +40,7 @@ private:
 
 /// The server id goes to the node and to the instance that it brought.
 void SetBsId(k3::Node& node, const String& bsId) {
-    if (auto* instance = Cast<Instance>(node.GetParamObject(Param::kInstance)))
-        instance->SetProperty(Prop::kBsId, Var(bsId));
+    if (Instance* const instance = CarriedInstance(node)) instance->SetProperty(Prop::kBsId, Var(bsId));
     node.SetParamVar(Param::kBsId, Var(bsId));
 }
 

@@ -2,6 +2,7 @@
 
 #include "frame/host/api.h"
 #include "frame/host/translate.h"
+#include "graph/node_content.h"
 #include "graph/node_instancing.h"
 #include "graph/path_trimming.h"
 #include "graph/reference_impl.h"
@@ -80,7 +81,7 @@ Counted<Reference> FileLoad::Run() {
         return nullptr;
     }
     fileMetadata_ = Var(node_->GetMetadata(false), 1);
-    const Counted<Instance> root(Cast<Instance>(node_->GetParamObject(Param::kInstance)));
+    const Counted<Instance> root(CarriedInstance(*node_));
     const Counted<Reference> loaded(root ? root->GetReference() : nullptr);
     Counted<Reference> result;
     if (!root)

@@ -4,6 +4,7 @@
 #include "frame/host/selector.h"
 #include "graph/element_changes.h"
 #include "graph/node_maps.h"
+#include "graph/node_walk.h"
 #include "graph/persistent_selector_impl.h"
 
 #include <algorithm>
@@ -75,19 +76,12 @@ void StoreLinkList(const k3::Node& node, Instance& instance, const NodeToInstanc
 }  // namespace
 
 void StoreNodeLinks(k3::Node& node, const NodeToInstance& instances) {
-    k3::Node* current = &node;
-    while (current) {
-        if (Instance* instance = instances.Find(current)) {
-            StoreLink(*current, *instance, instances);
-            StoreLinkList(*current, *instance, instances);
-        }
-        k3::Node* next = current->GetFirstChild();
-        while (!next && current != &node) {
-            next = current->GetNextSibling();
-            if (!next) current = current->GetParent();
-        }
-        current = next;
-    }
+    WalkNodes(node, [&](k3::Node& current) {
+        Instance* const instance = instances.Find(&current);
+        if (!instance) return;
+        StoreLink(current, *instance, instances);
+        StoreLinkList(current, *instance, instances);
+    });
 }
 
 }  // namespace qn::graph

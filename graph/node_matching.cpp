@@ -1,8 +1,7 @@
 #include "graph/node_matching.h"
 
-#include "frame/host/node.h"
 #include "frame/host/selector.h"
-#include "graph/instance.h"
+#include "graph/node_content.h"
 #include "graph/node_maps.h"
 
 namespace qn::graph {
@@ -26,13 +25,9 @@ k3::Node* Match(k3::Node* start, const Selector& selector, Shows&& shows) {
 
 }  // namespace
 
-Counted<Instance> InstanceCarriedBy(const k3::Node* node) {
-    return Counted<Instance>(Cast<Instance>(node->GetParamVar(Param::kInstance)));
-}
-
 k3::Node* MatchPath(k3::Node* start, const Selector& selector) {
     return Match(start, selector, [](const k3::Node* node, const Instance* wanted) {
-        return wanted && InstanceCarriedBy(node) == wanted;
+        return wanted && CarriedInstance(*node) == wanted;
     });
 }
 

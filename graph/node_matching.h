@@ -1,14 +1,10 @@
 #pragma once
 
-#include "frame/host/counted.h"
 #include "graph/graph.h"
 
 namespace qn::graph {
 
 class NodeToInstance;
-
-/// The instance that a node carries in its parameter, counted, or null.
-Counted<Instance> InstanceCarriedBy(const k3::Node* node);
 
 /// The node at the end of the selector's path when `start` stands for its first element, borrowed, or null.
 /// Instances are those that the nodes carry. Each step takes the first child that shows the next element;

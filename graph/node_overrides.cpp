@@ -5,6 +5,7 @@
 #include "frame/host/selector.h"
 #include "graph/instance.h"
 #include "graph/lookup_table.h"
+#include "graph/node_content.h"
 #include "graph/node_matching.h"
 
 #include <vector>
@@ -24,7 +25,7 @@ bool Differs(PropEnum id, const Var& value, const Instance& instance) {
 }
 
 Counted<Instance> InstanceShownBy(k3::Node& node, LookupTable* table) {
-    return table ? table->GetInstanceOfNode(&node) : InstanceCarriedBy(&node);
+    return table ? table->GetInstanceOfNode(&node) : Counted<Instance>(CarriedInstance(node));
 }
 
 /// From the topmost ancestor that is reached without a gap down to the instance.

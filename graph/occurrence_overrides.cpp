@@ -3,8 +3,10 @@
 #include "frame/host/collections.h"
 #include "graph/instance_impl.h"
 #include "graph/lookup_table.h"
+#include "graph/node_content.h"
+#include "graph/node_walk.h"
 
-#include <vector>
+#include <optional>
 
 namespace qn::graph {
 
@@ -64,31 +66,17 @@ void CaptureOne(k3::Node& node, const Selector& path, LookupTable* table) {
     overrides.Store(*last, table);
 }
 
-/// A node whose remaining siblings are still to be visited, and the path of their parent.
-struct Level {
-    k3::Node* next;
-    Selector path;
-};
-
 }  // namespace
 
 void CaptureOverrides(k3::Node& top, LookupTable* table) {
-    std::vector<Level> levels;
-    levels.push_back({top.GetFirstChild(), Selector()});
-    while (!levels.empty()) {
-        k3::Node* node = levels.back().next;
-        if (!node) {
-            levels.pop_back();
-            continue;
-        }
-        levels.back().next = node->GetNextSibling();
-        auto* instance = Cast<Instance>(node->GetParamObject(Param::kInstance));
-        if (!instance) continue;
-        Selector path = levels.back().path;
+    WalkBelow(top, Selector(), [&](k3::Node& node, const Selector& above) -> std::optional<Selector> {
+        Instance* const instance = CarriedInstance(node);
+        if (!instance) return std::nullopt;
+        Selector path = above;
         path.AppendPathElement(instance);
-        CaptureOne(*node, path, table);
-        if (node->GetFirstChild()) levels.push_back({node->GetFirstChild(), path});
-    }
+        CaptureOne(node, path, table);
+        return path;
+    });
 }
 
 }  // namespace qn::graph

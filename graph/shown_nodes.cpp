@@ -1,22 +1,19 @@
 #include "graph/shown_nodes.h"
 
-#include "graph/instance.h"
+#include "graph/node_content.h"
 #include "graph/node_list_owner.h"
+#include "graph/node_walk.h"
 
-#include <vector>
+#include <optional>
 
 namespace qn::graph {
 
 namespace {
 
-Instance* InstanceOf(const k3::Node& node) {
-    return Cast<Instance>(node.GetParamObject(Param::kInstance));
-}
-
 /// By itself, whatever is above it.
 bool IsExcludedItself(const k3::Node& node) {
     if (node.GetFlags() & NodeFlag::kExcluded) return true;
-    const Instance* instance = InstanceOf(node);
+    const Instance* instance = CarriedInstance(node);
     if (!instance) return false;
     if (instance->GetProperty(Prop::kExcluded, 0).IsSet()) return true;
     const Reference* reference = instance->GetReference();
@@ -26,12 +23,6 @@ bool IsExcludedItself(const k3::Node& node) {
 bool IsScene(const k3::Node* node) {
     return node->GetScene() == node;
 }
-
-/// A node whose remaining siblings are still to be visited.
-struct Level {
-    k3::Node* next;
-    bool isExcluded;  // something above them is
-};
 
 }  // namespace
 
@@ -66,26 +57,16 @@ ShownNodes::ShownNodes(k3::Scene& scene) {
 /// shown.
 void ShownNodes::Walk(k3::Node* root, FirstNodes& found) {
     if (!root) return;
-    std::vector<Level> levels;
-    const auto visit = [&](k3::Node& node, bool excludedAbove) {
+    const auto visit = [&](k3::Node& node, bool excludedAbove) -> std::optional<bool> {
         const bool isExcluded = excludedAbove || (!IsScene(&node) && IsExcludedItself(node));
-        if (const Instance* instance = InstanceOf(node)) {
+        if (const Instance* instance = CarriedInstance(node)) {
             const Reference* reference = instance->GetReference();
-            if (!reference || isExcluded || !found.emplace(reference, &node).second) return;
+            if (!reference || isExcluded || !found.emplace(reference, &node).second) return std::nullopt;
         }
-        levels.push_back({node.GetFirstChild(), isExcluded});
+        return isExcluded;
     };
-    visit(*root, !IsScene(root) && IsExcluded(root->GetParent()));
-    while (!levels.empty()) {
-        Level& level = levels.back();
-        k3::Node* node = level.next;
-        if (!node) {
-            levels.pop_back();
-            continue;
-        }
-        level.next = node->GetNextSibling();
-        visit(*node, level.isExcluded);
-    }
+    const auto isExcluded = visit(*root, !IsScene(root) && IsExcluded(root->GetParent()));
+    if (isExcluded) WalkBelow(*root, *isExcluded, visit);
 }
 
 k3::Node* ShownNodes::Find(const Interface* bom, const Reference* reference) const {

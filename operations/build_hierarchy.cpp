@@ -4,13 +4,13 @@
 #include "frame/host/api.h"
 #include "frame/host/scene.h"
 #include "graph/instance.h"
+#include "graph/node_walk.h"
 #include "graph/reference.h"
 #include "operations/generated_id.h"
 #include "product/bom.h"
 #include "services/top_level_nodes.h"
 
-#include <utility>
-#include <vector>
+#include <optional>
 
 namespace qn::graph {
 namespace {
@@ -34,22 +34,10 @@ Counted<Reference> MakeElements(k3::Node& node, Reference* parent, HierarchyFact
 }
 
 void BuildNodeHierarchy(k3::Node& root, HierarchyFactory& factory) {
-    struct Level {
-        k3::Node* next;  ///< the child whose turn it is
-        Counted<Reference> reference;
+    const auto build = [&](k3::Node& node, const Counted<Reference>& above) {
+        return std::optional(MakeElements(node, above.Get(), factory));
     };
-    std::vector<Level> levels;
-    levels.push_back({root.GetFirstChild(), MakeElements(root, nullptr, factory)});
-    while (!levels.empty()) {
-        k3::Node* const node = levels.back().next;
-        if (!node) {
-            levels.pop_back();
-            continue;
-        }
-        levels.back().next = node->GetNextSibling();
-        Counted<Reference> reference = MakeElements(*node, levels.back().reference.Get(), factory);
-        levels.push_back({node->GetFirstChild(), std::move(reference)});
-    }
+    WalkBelow(root, MakeElements(root, nullptr, factory), build);
 }
 
 void GiveStructuresIds(k3::Scene& scene) {

@@ -7,11 +7,6 @@
 
 namespace qn::graph {
 
-/// The instance that a node carries, borrowed, or null.
-inline Instance* InstanceOf(const k3::Node& node) {
-    return Cast<Instance>(node.GetParamVar(Param::kInstance));
-}
-
 /// Empties the property if its value converts to true.
 inline void ClearProperty(HierarchyElement& element, PropEnum id) {
     if (element.GetProperty(id, 0).ToBool()) element.SetProperty(id, Var());

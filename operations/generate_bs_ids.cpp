@@ -1,9 +1,10 @@
 #include "operations/generate_bs_ids.h"
 
 #include "frame/host/scene_document.h"
+#include "graph/node_content.h"
+#include "graph/node_walk.h"
 #include "operations/element_values.h"
 #include "operations/layers.h"
-#include "operations/node_walk.h"
 
 namespace qn::graph {
 namespace {
@@ -22,7 +23,7 @@ void GenerateFor(k3::Node& node, const IdFrame& frame) {
 
 void GenerateBsIds(k3::Node& root, unsigned flags, const IdFrame& frame) {
     WalkNodes(root, [&](k3::Node& node) {
-        if (Instance* const instance = InstanceOf(node)) {
+        if (Instance* const instance = CarriedInstance(node)) {
             Reference* const reference = instance->GetReference();
             if (reference && (flags & LayerFlag::kEntity)) GenerateFor(*reference, frame);
             if (flags & LayerFlag::kNode) GenerateFor(*instance, frame);

@@ -1,8 +1,8 @@
 #include "operations/remove_hierarchy_cache.h"
 
 #include "frame/host/descriptor.h"
+#include "graph/node_walk.h"
 #include "operations/element_values.h"
-#include "operations/node_walk.h"
 
 namespace qn::graph {
 namespace {

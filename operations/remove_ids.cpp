@@ -1,8 +1,9 @@
 #include "operations/remove_ids.h"
 
+#include "graph/node_content.h"
+#include "graph/node_walk.h"
 #include "operations/element_values.h"
 #include "operations/layers.h"
-#include "operations/node_walk.h"
 
 namespace qn::graph {
 namespace {
@@ -26,7 +27,7 @@ void ClearIds(HierarchyElement& element, bool bsId, bool externalId) {
 }
 
 void RemoveFrom(k3::Node& node, const Wanted& wanted) {
-    if (Instance* const instance = InstanceOf(node)) {
+    if (Instance* const instance = CarriedInstance(node)) {
         if (Reference* const reference = instance->GetReference())
             ClearIds(*reference, wanted.entityBs, wanted.entityExternal);
         ClearIds(*instance, wanted.nodeBs, wanted.nodeExternal);

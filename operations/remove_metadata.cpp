@@ -1,8 +1,8 @@
 #include "operations/remove_metadata.h"
 
+#include "graph/node_walk.h"
 #include "operations/element_values.h"
 #include "operations/layers.h"
-#include "operations/node_walk.h"
 #include "services/hierarchy_operation.h"
 
 #include <vector>

@@ -1,7 +1,8 @@
 #include "operations/replace_with_based_on.h"
 
+#include "graph/node_content.h"
+#include "graph/node_walk.h"
 #include "operations/element_values.h"
-#include "operations/node_walk.h"
 
 namespace qn::graph {
 namespace {
@@ -30,7 +31,7 @@ void BasedOn(Element& element) {
 
 void ReplaceBsIdsWithBasedOn(k3::Node& root) {
     WalkNodes(root, [](k3::Node& node) {
-        Instance* const instance = InstanceOf(node);
+        Instance* const instance = CarriedInstance(node);
         if (!instance) return;
         if (Reference* const reference = instance->GetReference()) BasedOn(*reference);
         BasedOn(*instance);

@@ -1,8 +1,9 @@
 #include "operations/update_bs_ids.h"
 
+#include "graph/node_content.h"
+#include "graph/node_walk.h"
 #include "operations/element_values.h"
 #include "operations/layers.h"
-#include "operations/node_walk.h"
 
 #include <unordered_set>
 
@@ -42,7 +43,7 @@ void UpdateParameter(k3::Node& node, const IdModification& modification) {
 void UpdateBsIds(k3::Node& root, const IdModification& modification, unsigned flags) {
     ElementIds entities(modification), nodes(modification);
     WalkNodes(root, [&](k3::Node& node) {
-        if (Instance* const instance = InstanceOf(node)) {
+        if (Instance* const instance = CarriedInstance(node)) {
             Reference* const reference = instance->GetReference();
             if (reference && (flags & LayerFlag::kEntity)) entities.Update(*reference);
             if (flags & LayerFlag::kNode) nodes.Update(*instance);

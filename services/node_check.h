@@ -4,6 +4,7 @@
 #include "frame/host/node.h"
 #include "frame/host/parameter_ids.h"
 #include "graph/instance.h"
+#include "graph/node_content.h"
 #include "graph/reference.h"
 
 #include <utility>
@@ -27,19 +28,10 @@ struct NodeFinding {
     Reference* reference;  ///< of that use; null for kInstance
 };
 
-/// The instance that the node carries, borrowed, or null.
-inline Instance* CarriedInstance(const k3::Node& node) {
-    return Cast<Instance>(node.GetParamObject(Param::kInstance));
-}
-
 /// Whether two contents are one, looking through one material substitution on each side. Both null is one.
 inline bool IsSameObject(k3::Object3D* left, k3::Object3D* right) {
     if (!left || !right) return left == right;
-    const auto substituted = [](k3::Object3D* object) {
-        const auto* const substitution = Cast<k3::MaterialSubstitution>(object);
-        return substitution ? substitution->GetSubstituted() : object;
-    };
-    return substituted(left) == substituted(right);
+    return BehindSubstitution(left) == BehindSubstitution(right);
 }
 
 /// Compares a subtree of the scene with the hierarchy, parents first, siblings in order. Content of detail

@@ -3,6 +3,7 @@
 #include "frame/host/collaboration.h"
 #include "frame/host/collections.h"
 #include "frame/host/node.h"
+#include "graph/node_walk.h"
 
 namespace qn::utility {
 namespace {
@@ -26,18 +27,10 @@ bool IsCollaborationNode(const k3::Node& node) {
     return ShowsCollaborationObject(node);
 }
 
-/// The node after `node` in the subtree of `root`, parents first; null at the end.
-k3::Node* NextBelow(k3::Node* node, const k3::Node* root) {
-    if (k3::Node* const child = node->GetFirstChild()) return child;
-    for (; node && node != root; node = node->GetParent())
-        if (k3::Node* const sibling = node->GetNextSibling()) return sibling;
-    return nullptr;
-}
-
 }  // namespace
 
 bool SceneUtilitiesImpl::ContainsCollaborationObjects(k3::Node* node) {
-    for (k3::Node* visited = node; visited; visited = NextBelow(visited, node))
+    for (k3::Node* visited = node; visited; visited = graph::NextInSubtree(visited, *node))
         if (IsCollaborationNode(*visited)) return true;
     return false;
 }

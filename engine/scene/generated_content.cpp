@@ -7,6 +7,7 @@
 #include "frame/host/generator.h"
 #include "frame/host/params.h"
 #include "graph/instance.h"
+#include "graph/node_content.h"
 #include "graph/reference.h"
 
 namespace qn::k3 {
@@ -47,11 +48,10 @@ bool HasUsableGenerator(const Node& node) {
 }  // namespace
 
 bool HasOtherHierarchy(const Node& node) {
-    const Generator* generator = Generator::Get(&node);
-    const auto* root = generator ? Cast<graph::Reference>(generator->GetGeneratedRoot()) : nullptr;
+    const graph::Reference* root = graph::GeneratedReference(node);
     if (!root) return false;
-    const auto* instance = Cast<graph::Instance>(node.GetParamObject(Param::kInstance));
-    if (instance) return instance->GetReference() != root;
+    if (const graph::Instance* instance = graph::CarriedInstance(node))
+        return instance->GetReference() != root;
     return SceneAccess::MarkOf(node) || SceneAccess::AreChildrenStored(node);
 }
 

@@ -8,6 +8,7 @@
 #include "frame/host/parameter_ids.h"
 #include "frame/host/params.h"
 #include "graph/instance.h"
+#include "graph/node_content.h"
 #include "graph/reference.h"
 
 namespace qn::k3 {
@@ -35,18 +36,13 @@ bool WritesGenerated(Stream* stream) {
     return writer && writer->ExpandsGenerated();
 }
 
-graph::Reference* GeneratedRootOf(const Node& node) {
-    const Generator* generator = Generator::Get(&node);
-    return generator ? Cast<graph::Reference>(generator->GetGeneratedRoot()) : nullptr;
-}
-
 /// How the instance of a generator's own node is stored, while it lives. The generator makes its own instance
 /// anew at each load, so that one is left out. An instance of another hierarchy stays; that there is none,
 /// although the generator ran, is said by `false` in its place.
 class StoredInstance {
 public:
     explicit StoredInstance(Node& node) : node_(node), present_(node.GetParamVar(Param::kInstance)) {
-        const graph::Reference* root = GeneratedRootOf(node);
+        const graph::Reference* root = graph::GeneratedReference(node);
         if (!root || HasOtherHierarchy(node) == present_.IsSet()) return;
         replaced_ = true;
         SetParameter(present_.IsSet() ? Var() : Var(false));
@@ -73,7 +69,7 @@ private:
 /// once the ties were cut.
 bool HasTiedChild(const Node& node) {
     for (const Node* child = node.GetFirstChild(); child; child = child->GetNextSibling())
-        if (Cast<graph::Instance>(child->GetParamObject(Param::kInstance))) return true;
+        if (graph::CarriedInstance(*child)) return true;
     return !node.GetFirstChild();
 }
 
@@ -81,7 +77,8 @@ bool HasTiedChild(const Node& node) {
 
 ResultEnum Node::Load(Stream* stream, Context* context) {
     const ResultEnum result = ReferenceSource::Load(stream, context);
-    const graph::Reference* root = SceneAccess::AreChildrenStored(*this) ? GeneratedRootOf(*this) : nullptr;
+    const graph::Reference* root =
+        SceneAccess::AreChildrenStored(*this) ? graph::GeneratedReference(*this) : nullptr;
     const Var instance = GetParamVar(Param::kInstance);
     if (instance.GetTag() == VarTag::kBool) DeleteParam(Param::kInstance);
     if (!root || instance.IsSet() || !HasTiedChild(*this)) return result;

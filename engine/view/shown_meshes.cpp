@@ -1,5 +1,7 @@
 #include "engine/view/shown_meshes.h"
 
+#include "graph/node_content.h"
+
 namespace qn::view {
 
 ShownNodes::ShownNodes(k3::Scene& scene, const k3::Viewport& viewport) : scene_(scene) {
@@ -37,10 +39,7 @@ k3::Node* ShownNodes::Next(std::vector<Level>& levels) const {
 
 const k3::Mesh* ShownNodes::MeshOf(const k3::Node& node, const Level& level) {
     if (!level.shown) return nullptr;
-    const k3::Object3D* object = node.GetObject();
-    if (const auto* const substitution = Cast<k3::MaterialSubstitution>(object))
-        object = substitution->GetSubstituted();
-    return Cast<k3::Mesh>(object);
+    return Cast<k3::Mesh>(graph::BehindSubstitution(node.GetObject()));
 }
 
 Matrix4<double> ShownNodes::ContentPlace(const k3::Node& node, const Matrix4<double>& toWorld) {

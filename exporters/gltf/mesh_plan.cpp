@@ -1,5 +1,7 @@
 #include "exporters/gltf/mesh_plan.h"
 
+#include "graph/node_content.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -52,10 +54,7 @@ std::uint64_t IndexBytes(const MeshRow& row) {
 
 const k3::Mesh* ShownMesh(const graph::Reference& definition) {
     const Var target = definition.GetTarget();
-    k3::Object3D* object = Cast<k3::Object3D>(target);
-    if (const auto* substitution = Cast<k3::MaterialSubstitution>(object))
-        object = substitution->GetSubstituted();
-    const k3::Mesh* mesh = Cast<k3::Mesh>(object);
+    const k3::Mesh* mesh = Cast<k3::Mesh>(graph::BehindSubstitution(Cast<k3::Object3D>(target)));
     return mesh && !mesh->GetIndices().empty() && !mesh->GetPositions().empty() ? mesh : nullptr;
 }
 
