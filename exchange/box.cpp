@@ -9,17 +9,9 @@ namespace {
 constexpr std::size_t kAxes = 3;
 constexpr unsigned kCorners = 8;
 
-std::array<double, 3> Map(const Matrix4<double>& matrix, const std::array<double, 3>& point) {
-    std::array<double, 3> mapped{};
-    for (std::size_t axis = 0; axis < kAxes; ++axis)
-        mapped[axis] = point[0] * matrix.m[0][axis] + point[1] * matrix.m[1][axis] +
-                       point[2] * matrix.m[2][axis] + matrix.m[3][axis];
-    return mapped;
-}
-
 }  // namespace
 
-void Box::AddPoint(const std::array<double, 3>& point) {
+void Box::AddPoint(const Vector3& point) {
     for (std::size_t axis = 0; axis < kAxes; ++axis) {
         min[axis] = isEmpty ? point[axis] : std::min(min[axis], point[axis]);
         max[axis] = isEmpty ? point[axis] : std::max(max[axis], point[axis]);
@@ -49,8 +41,9 @@ Box Box::Mapped(const Matrix4<double>& matrix) const {
     Box mapped;
     if (isEmpty) return mapped;
     for (unsigned corner = 0; corner < kCorners; ++corner)
-        mapped.AddPoint(Map(matrix, {corner & 1 ? max[0] : min[0], corner & 2 ? max[1] : min[1],
-                                     corner & 4 ? max[2] : min[2]}));
+        mapped.AddPoint(qn::Mapped(
+            {corner & 1 ? max[0] : min[0], corner & 2 ? max[1] : min[1], corner & 4 ? max[2] : min[2]},
+            matrix));
     return mapped;
 }
 

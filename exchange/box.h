@@ -1,18 +1,16 @@
 #pragma once
 
-#include "frame/host/matrix.h"
-
-#include <array>
+#include "engine/values/vector3.h"
 
 namespace qn::exchange {
 
 /// A box along the axes, millimetres; empty until a point was added.
 struct Box {
-    std::array<double, 3> min{};
-    std::array<double, 3> max{};
+    Vector3 min{};
+    Vector3 max{};
     bool isEmpty = true;
 
-    void AddPoint(const std::array<double, 3>& point);
+    void AddPoint(const Vector3& point);
     void AddBox(const Box& other);
     bool IsFinite() const;
     /// Whether the boxes are at most `margin` apart along every axis; an empty box meets nothing.

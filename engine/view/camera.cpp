@@ -15,14 +15,6 @@ Vector RowOf(const Matrix4<double>& matrix, int row) {
 
 }  // namespace
 
-Vector Cross(const Vector& a, const Vector& b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-double Dot(const Vector& a, const Vector& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
 Vector Normalised(const Vector& vector) {
     const double length = std::sqrt(Dot(vector, vector));
     if (!(length > kLeastLength) || !std::isfinite(length)) return {};
@@ -52,14 +44,6 @@ void Box::Add(const Vector& point) {
 
 Vector Box::Corner(int number) const {
     return {(number & 1 ? high_ : low_)[0], (number & 2 ? high_ : low_)[1], (number & 4 ? high_ : low_)[2]};
-}
-
-Vector Moved(const Vector& point, const Matrix4<double>& matrix) {
-    Vector moved;
-    for (std::size_t i = 0; i < moved.size(); ++i)
-        moved[i] = point[0] * matrix.m[0][i] + point[1] * matrix.m[1][i] + point[2] * matrix.m[2][i] +
-                   matrix.m[3][i];
-    return moved;
 }
 
 Vector AlongAxes(const Vector& point, const Axes& axes) {

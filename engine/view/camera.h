@@ -1,13 +1,11 @@
 #pragma once
 
+#include "engine/values/vector3.h"
 #include "engine/view/raster.h"
-#include "frame/host/matrix.h"
-
-#include <array>
 
 namespace qn::view {
 
-using Vector = std::array<double, 3>;
+using Vector = Vector3;
 
 /// Three directions at right angles, each of length 1.
 struct Axes {
@@ -34,9 +32,6 @@ private:
     bool empty_ = true;
 };
 
-Vector Moved(const Vector& point, const Matrix4<double>& matrix);
-Vector Cross(const Vector& a, const Vector& b);
-double Dot(const Vector& a, const Vector& b);
 /// Of length 1; the zero vector stays.
 Vector Normalised(const Vector& vector);
 

@@ -61,9 +61,9 @@ double LightOn(const std::array<Vector, 3>& corners, const Vector& toward) {
 }
 
 bool IsSmallerThanAPixel(const Box& box, const Matrix4<double>& toWorld, const Camera& camera) {
-    const ScreenPoint first = camera.Project(Moved(box.Corner(0), toWorld));
+    const ScreenPoint first = camera.Project(Mapped(box.Corner(0), toWorld));
     for (int corner = 1; corner < 8; ++corner) {
-        const ScreenPoint other = camera.Project(Moved(box.Corner(corner), toWorld));
+        const ScreenPoint other = camera.Project(Mapped(box.Corner(corner), toWorld));
         if (!(std::abs(other[0] - first[0]) < 1 && std::abs(other[1] - first[1]) < 1)) return false;
     }
     return true;
@@ -87,7 +87,7 @@ void DrawMesh(const k3::Mesh& mesh, const Box& box, const Matrix4<double>& toWor
               Raster& picture) {
     TriangleColours colours(mesh);
     if (IsSmallerThanAPixel(box, toWorld, camera)) {
-        const ScreenPoint dot = camera.Project(Moved(box.Corner(0), toWorld));
+        const ScreenPoint dot = camera.Project(Mapped(box.Corner(0), toWorld));
         if (!mesh.GetIndices().empty()) picture.Dot(dot, Lit(colours.At(0), 1));
         return;
     }
@@ -96,7 +96,7 @@ void DrawMesh(const k3::Mesh& mesh, const Box& box, const Matrix4<double>& toWor
         std::array<Vector, 3> corners;
         std::array<ScreenPoint, 3> seen;
         for (std::size_t corner = 0; corner < corners.size(); ++corner) {
-            corners[corner] = Moved(PositionOf(mesh, indices[i + corner]), toWorld);
+            corners[corner] = Mapped(PositionOf(mesh, indices[i + corner]), toWorld);
             seen[corner] = camera.Project(corners[corner]);
         }
         picture.Fill(seen, Lit(colours.At(i), LightOn(corners, camera.Directions().toward)));

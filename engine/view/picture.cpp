@@ -36,7 +36,7 @@ Box Extent(const ShownNodes& shown, const Axes& axes, MeshBoxes& boxes) {
     shown.VisitMeshes([&](const k3::Mesh& mesh, const Matrix4<double>& toWorld) {
         const Box& box = boxes.Of(mesh);
         for (int corner = 0; !box.IsEmpty() && corner < kCorners; ++corner) {
-            const Vector seen = AlongAxes(Moved(box.Corner(corner), toWorld), axes);
+            const Vector seen = AlongAxes(Mapped(box.Corner(corner), toWorld), axes);
             if (IsFinite(seen)) extent.Add(seen);
         }
     });

@@ -1,12 +1,14 @@
 #include "exporters/gltf/place.h"
 
+#include "engine/values/vector3.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace qn::gltf_export {
 namespace {
 
-using Vector = std::array<double, 3>;
+using Vector = Vector3;
 using Rows = std::array<Vector, 3>;
 
 /// Cosine up to which two axes count as square to each other.
@@ -19,17 +21,8 @@ constexpr double kShortestAxis = 1e-6, kLongestAxis = 100;
 constexpr double kVanishing = 1e-14;
 constexpr int kMostSweeps = 60;
 
-double Dot(const Vector& a, const Vector& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-Vector Cross(const Vector& a, const Vector& b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
 double Length(const Vector& a) {
     return std::hypot(a[0], a[1], a[2]);
-}
-Vector Scaled(const Vector& a, double factor) {
-    return {a[0] * factor, a[1] * factor, a[2] * factor};
 }
 
 /// Images of the axes.
