@@ -11,12 +11,14 @@
 #include <cstring>
 #include <cwchar>
 #include <limits>
+#include <string_view>
 
 namespace qn {
 namespace {
 
 constexpr int kMostWidth = 1 << 16;
 constexpr int kMostPrecision = 1 << 10;
+constexpr int kOctal = 8, kDecimal = 10, kHexadecimal = 16;
 
 enum class Length { kHalfHalf, kHalf, kInt, kLong, kLongLong };
 
@@ -27,6 +29,16 @@ struct Conversion {
     Length length = Length::kInt;
     wchar_t letter = 0;
 };
+
+const wchar_t* SignOf(bool negative, const Conversion& conversion) {
+    return negative ? L"-" : conversion.plus ? L"+" : conversion.blank ? L" " : L"";
+}
+
+/// Of digits and of words like "nan", all lower case.
+void MakeUpper(std::wstring& digits) {
+    for (wchar_t& digit : digits)
+        if (digit >= L'a') digit = static_cast<wchar_t>(digit - L'a' + L'A');
+}
 
 /// Reads one pattern and its arguments from left to right.
 class Formatter {
@@ -55,13 +67,18 @@ private:
     Conversion ReadConversion();
     int ReadNumber(int most);
     Length ReadLength();
+    /// False, with nothing written, for a letter that says nothing.
     bool Convert(const Conversion& conversion);
     std::int64_t NextSigned(Length length);
     std::uint64_t NextUnsigned(Length length);
+    void PutPercent(const Conversion&) { out_ += L'%'; }
     void PutSigned(const Conversion& conversion);
-    void PutUnsigned(const Conversion& conversion, int base);
+    void PutUnsigned(const Conversion& conversion);
+    void PutAddress(const Conversion& conversion);
     void PutInteger(const Conversion& conversion, std::uint64_t value, int base, const wchar_t* sign);
     void PutReal(const Conversion& conversion);
+    void PutLetter(const Conversion& conversion);
+    void PutString(const Conversion& conversion);
     void PutWide(const Conversion& conversion);
     void PutNarrow(const Conversion& conversion);
     /// Sign, padding and digits in the order that the flags ask for.
@@ -130,52 +147,18 @@ Length Formatter::ReadLength() {
 }
 
 bool Formatter::Convert(const Conversion& conversion) {
-    switch (conversion.letter) {
-        case L'%':
-            out_ += L'%';
-            return true;
-        case L'd':
-        case L'i':
-            PutSigned(conversion);
-            return true;
-        case L'u':
-            PutUnsigned(conversion, 10);
-            return true;
-        case L'x':
-        case L'X':
-            PutUnsigned(conversion, 16);
-            return true;
-        case L'o':
-            PutUnsigned(conversion, 8);
-            return true;
-        case L'p': {
-            Conversion address = conversion;
-            address.length = Length::kLongLong;
-            PutInteger(address, reinterpret_cast<std::uintptr_t>(va_arg(arguments_, void*)), 16, L"0x");
-            return true;
-        }
-        case L'f':
-        case L'F':
-        case L'e':
-        case L'E':
-        case L'g':
-        case L'G':
-            PutReal(conversion);
-            return true;
-        case L'c': {
-            const auto letter = static_cast<wchar_t>(va_arg(arguments_, int));
-            PutText(conversion, std::wstring_view(&letter, 1));
-            return true;
-        }
-        case L's':
-            if (conversion.length == Length::kHalf)
-                PutNarrow(conversion);
-            else
-                PutWide(conversion);
-            return true;
-        case L'S':
-            PutNarrow(conversion);
-            return true;
+    static constexpr struct {
+        std::wstring_view letters;
+        void (Formatter::*put)(const Conversion& conversion);
+    } kConversions[] = {
+        {L"%", &Formatter::PutPercent}, {L"di", &Formatter::PutSigned},   {L"uoxX", &Formatter::PutUnsigned},
+        {L"p", &Formatter::PutAddress}, {L"fFeEgG", &Formatter::PutReal}, {L"c", &Formatter::PutLetter},
+        {L"s", &Formatter::PutString},  {L"S", &Formatter::PutNarrow},
+    };
+    for (const auto& row : kConversions) {
+        if (row.letters.find(conversion.letter) == std::wstring_view::npos) continue;
+        (this->*row.put)(conversion);
+        return true;
     }
     return false;
 }
@@ -214,26 +197,29 @@ std::uint64_t Formatter::NextUnsigned(Length length) {
 
 void Formatter::PutSigned(const Conversion& conversion) {
     const std::int64_t value = NextSigned(conversion.length);
-    const wchar_t* sign = value < 0 ? L"-" : conversion.plus ? L"+" : conversion.blank ? L" " : L"";
     const auto bits = static_cast<std::uint64_t>(value);
-    PutInteger(conversion, value < 0 ? 0 - bits : bits, 10, sign);
+    PutInteger(conversion, value < 0 ? 0 - bits : bits, kDecimal, SignOf(value < 0, conversion));
 }
 
-void Formatter::PutUnsigned(const Conversion& conversion, int base) {
+void Formatter::PutUnsigned(const Conversion& conversion) {
     const std::uint64_t value = NextUnsigned(conversion.length);
-    const wchar_t* mark = L"";
-    if (conversion.marked && value != 0)
-        mark = base == 16 ? (conversion.letter == L'X' ? L"0X" : L"0x") : L"0";
-    PutInteger(conversion, value, base, base == 10 ? L"" : mark);
+    const wchar_t letter = conversion.letter;
+    const bool marked = conversion.marked && value != 0;
+    if (letter == L'u') return PutInteger(conversion, value, kDecimal, L"");
+    if (letter == L'o') return PutInteger(conversion, value, kOctal, marked ? L"0" : L"");
+    PutInteger(conversion, value, kHexadecimal, !marked ? L"" : letter == L'X' ? L"0X" : L"0x");
+}
+
+void Formatter::PutAddress(const Conversion& conversion) {
+    const auto address = reinterpret_cast<std::uintptr_t>(va_arg(arguments_, void*));
+    PutInteger(conversion, address, kHexadecimal, L"0x");
 }
 
 void Formatter::PutInteger(const Conversion& conversion, std::uint64_t value, int base, const wchar_t* sign) {
     std::array<char, 64> buffer;
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, base).ptr;
     std::wstring digits(buffer.data(), end);
-    if (conversion.letter == L'X')
-        for (wchar_t& digit : digits)
-            if (digit >= L'a') digit = static_cast<wchar_t>(digit - L'a' + L'A');
+    if (conversion.letter == L'X') MakeUpper(digits);
     if (conversion.precision == 0 && value == 0) digits.clear();
     if (conversion.precision > static_cast<int>(digits.size()))
         digits.insert(0, static_cast<std::size_t>(conversion.precision) - digits.size(), L'0');
@@ -242,10 +228,6 @@ void Formatter::PutInteger(const Conversion& conversion, std::uint64_t value, in
 
 void Formatter::PutReal(const Conversion& conversion) {
     const double value = va_arg(arguments_, double);
-    const std::wstring sign = std::signbit(value) ? L"-"
-                              : conversion.plus   ? L"+"
-                              : conversion.blank  ? L" "
-                                                  : L"";
     const bool upper = conversion.letter < L'a';
     const wchar_t kind = upper ? static_cast<wchar_t>(conversion.letter - L'A' + L'a') : conversion.letter;
     const auto form = kind == L'f'   ? std::chars_format::fixed
@@ -256,10 +238,17 @@ void Formatter::PutReal(const Conversion& conversion) {
     const auto end =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value), form, precision).ptr;
     std::wstring digits(buffer.data(), end);
-    if (upper)
-        for (wchar_t& digit : digits)
-            if (digit >= L'a') digit = static_cast<wchar_t>(digit - L'a' + L'A');
-    PutNumber(conversion, sign, std::move(digits), std::isfinite(value));
+    if (upper) MakeUpper(digits);
+    PutNumber(conversion, SignOf(std::signbit(value), conversion), std::move(digits), std::isfinite(value));
+}
+
+void Formatter::PutLetter(const Conversion& conversion) {
+    const auto letter = static_cast<wchar_t>(va_arg(arguments_, int));
+    PutText(conversion, std::wstring_view(&letter, 1));
+}
+
+void Formatter::PutString(const Conversion& conversion) {
+    conversion.length == Length::kHalf ? PutNarrow(conversion) : PutWide(conversion);
 }
 
 void Formatter::PutWide(const Conversion& conversion) {
