@@ -46,42 +46,44 @@ struct DocumentReader::NodeDraft {
     std::uint32_t scale = kNone;
 };
 
-void DocumentReader::ReadPlace(NodeDraft&, std::uint32_t& part, JsonValue& value, std::uint32_t count) {
+void DocumentReader::ReadPlace(std::uint32_t& part, JsonValue& value, std::uint32_t count) {
     RefuseSecond(part == kNone);
     part = ReadNumbers(value, count);
 }
 
-void DocumentReader::ReadNodes(JsonValue& value) {
+void DocumentReader::ReadChildren(Node& node, JsonValue& value) {
+    RefuseSecond(node.childCount == 0);
+    node.firstChild = static_cast<std::uint32_t>(model_.children.size());
+    ReadIndices(value, model_.children, gltf_limits::kMostNodes);
+    node.childCount = static_cast<std::uint32_t>(model_.children.size()) - node.firstChild;
+}
+
+void DocumentReader::ReadCopies(Node& node, JsonValue& value) {
     static constexpr Row<Copies> kAttributes[] = {
         {"TRANSLATION", [](auto& r, Copies& c, auto& v) { c.translation = r.json_.Index(v); }},
         {"ROTATION", [](auto& r, Copies& c, auto& v) { c.rotation = r.json_.Index(v); }},
         {"SCALE", [](auto& r, Copies& c, auto& v) { c.scale = r.json_.Index(v); }},
     };
-    static constexpr Row<Copies> kInstancing[] = {
+    static constexpr Row<Copies> kRows[] = {
         {"attributes", [](auto& r, Copies& c, auto& v) { r.ReadObject(v, c, kAttributes); }},
     };
+    RefuseSecond(node.copies == kNone);
+    node.copies = static_cast<std::uint32_t>(model_.copies.size());
+    ReadObject(value, model_.copies.emplace_back(), kRows);
+}
+
+void DocumentReader::ReadNodes(JsonValue& value) {
     static constexpr Row<NodeDraft> kExtensions[] = {
-        {"EXT_mesh_gpu_instancing",
-         [](auto& r, NodeDraft& n, auto& v) {
-             r.RefuseSecond(n.node.copies == kNone);
-             n.node.copies = static_cast<std::uint32_t>(r.model_.copies.size());
-             r.ReadObject(v, r.model_.copies.emplace_back(), kInstancing);
-         }},
+        {"EXT_mesh_gpu_instancing", [](auto& r, NodeDraft& n, auto& v) { r.ReadCopies(n.node, v); }},
     };
     static constexpr Row<NodeDraft> kRows[] = {
         {"mesh", [](auto& r, NodeDraft& n, auto& v) { n.node.mesh = r.json_.Index(v); }},
         {"name", [](auto& r, NodeDraft& n, auto& v) { n.node.name = r.ReadName(v); }},
-        {"translation", [](auto& r, NodeDraft& n, auto& v) { r.ReadPlace(n, n.translation, v, 3); }},
-        {"rotation", [](auto& r, NodeDraft& n, auto& v) { r.ReadPlace(n, n.rotation, v, 4); }},
-        {"scale", [](auto& r, NodeDraft& n, auto& v) { r.ReadPlace(n, n.scale, v, 3); }},
-        {"matrix", [](auto& r, NodeDraft& n, auto& v) { r.ReadPlace(n, n.matrix, v, 16); }},
-        {"children",
-         [](auto& r, NodeDraft& n, auto& v) {
-             r.RefuseSecond(n.node.childCount == 0);
-             n.node.firstChild = static_cast<std::uint32_t>(r.model_.children.size());
-             r.ReadIndices(v, r.model_.children, gltf_limits::kMostNodes);
-             n.node.childCount = static_cast<std::uint32_t>(r.model_.children.size()) - n.node.firstChild;
-         }},
+        {"translation", [](auto& r, NodeDraft& n, auto& v) { r.ReadPlace(n.translation, v, 3); }},
+        {"rotation", [](auto& r, NodeDraft& n, auto& v) { r.ReadPlace(n.rotation, v, 4); }},
+        {"scale", [](auto& r, NodeDraft& n, auto& v) { r.ReadPlace(n.scale, v, 3); }},
+        {"matrix", [](auto& r, NodeDraft& n, auto& v) { r.ReadPlace(n.matrix, v, 16); }},
+        {"children", [](auto& r, NodeDraft& n, auto& v) { r.ReadChildren(n.node, v); }},
         {"camera", [](auto& r, NodeDraft& n, auto& v) { n.node.camera = r.json_.Index(v); }},
         {"extras",
          [](auto& r, NodeDraft& n, auto& v) {

@@ -62,8 +62,10 @@ private:
 
     struct NodeDraft;
     void ReadNodes(JsonValue& value);
+    void ReadPlace(std::uint32_t& part, JsonValue& value, std::uint32_t count);
+    void ReadChildren(Node& node, JsonValue& value);
+    void ReadCopies(Node& node, JsonValue& value);
     void FinishNode(NodeDraft& draft);
-    void ReadPlace(NodeDraft& draft, std::uint32_t& part, JsonValue& value, std::uint32_t count);
     void ReadMeshes(JsonValue& value);
     void ReadPrimitive(Mesh& mesh, JsonValue& value);
     void ReadMaterials(JsonValue& value);
