@@ -16,11 +16,15 @@ struct Library {
     std::string error;
 };
 
-/// The folder of the library or program that this code is in.
+/// The folder of the library or program that this code is in. A program goes by the name that it was called
+/// by, which may start in the working folder.
 fs::path OwnFolder() {
     Dl_info info{};
     const auto* here = reinterpret_cast<const void*>(&OwnFolder);
-    return ::dladdr(here, &info) && info.dli_fname ? fs::path(info.dli_fname).parent_path() : fs::path();
+    if (!::dladdr(here, &info) || !info.dli_fname) return {};
+    std::error_code error;
+    const fs::path folder = fs::canonical(fs::absolute(info.dli_fname, error).parent_path(), error);
+    return error ? fs::path() : folder;
 }
 
 /// Beside this code, or in the folder of libraries if this is a program.
