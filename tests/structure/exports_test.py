@@ -1,4 +1,4 @@
-"""A module exports one symbol: its entry function. Usage: exports_test.py MODULE..."""
+"""A module exports one symbol: its entry function. Usage: exports_test.py SYMBOL MODULE"""
 
 import subprocess
 import sys
@@ -10,7 +10,7 @@ def exported(module):
     return [line.split()[-1] for line in lines]
 
 
-wrong = [module for module in sys.argv[1:] if exported(module) != ["K3DLLFunc"]]
-for module in wrong:
-    print(f"{module} exports {exported(module)}, expected K3DLLFunc alone")
-sys.exit(1 if wrong else 0)
+symbol, module = sys.argv[1:]
+found = exported(module)
+if found != [symbol]:
+    sys.exit(f"{module} exports {found}, expected {symbol} alone")
