@@ -1,4 +1,5 @@
 #include "tests/operations/operations_support.h"
+#include "tests/support/inert_instance.h"
 
 namespace qn::test {
 namespace {
@@ -130,30 +131,13 @@ TEST_F(RemoveIds, PassesAnInstanceWithoutDefinition) {
 }
 
 /// Gives its definition an id whenever it is asked for it.
-class GivingInstance final : public graph::Instance {
+class GivingInstance final : public InertInstance {
 public:
-    explicit GivingInstance(graph::Reference* reference) : reference_(reference) {}
+    using InertInstance::InertInstance;
     graph::Reference* GetReference() const override {
         reference_->SetProperty(kBsId, Var("given"));
-        return reference_;
+        return reference_.Get();
     }
-    graph::Reference* GetParentReference() const override { return nullptr; }
-    int GetSelectorCount() const override { return 0; }
-    graph::Selector GetSelector(int) const override { return {}; }
-    void RemoveSelector(int) override {}
-    void AddSelector(const graph::Selector&) override {}
-    void ResolveSelectors(bool, Var*) override {}
-    void StoreSelectors(bool, Var*) override {}
-    void ResolveSelector(graph::PersistentSelectorImpl*, String*, graph::LookupTableImpl*,
-                         graph::PersistentSelectorImpl*, bool) override {}
-    void AddLocalSelector(const graph::Selector&) override {}
-    void SetProperty(graph::PropEnum, const Var&) override {}
-    Var GetProperty(graph::PropEnum, int) const override { return {}; }
-    graph::LookupTable* GetLookupTable() const override { return nullptr; }
-    String ToDebugString() const override { return {}; }
-
-private:
-    graph::Reference* reference_;
 };
 
 TEST_F(RemoveIds, ClearsASharedDefinitionAtEachMeeting) {

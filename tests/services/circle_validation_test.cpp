@@ -1,5 +1,6 @@
 #include "construction/hierarchy_factory.h"
 #include "tests/services/services_support.h"
+#include "tests/support/inert_api.h"
 #include "tests/support/static_module.h"
 
 namespace qn::test {
@@ -44,38 +45,16 @@ TEST_F(HierarchyCheck, AcceptsInstancesWithoutDefinition) {
     EXPECT_TRUE(Validate());
 }
 
-/// While it lives, keys give nothing.
-class Nobody final : public Api {
-public:
-    Nobody() : former_(api) { api = this; }
-    ~Nobody() override { api = former_; }
-    Counted<Interface> Create(const char*) override { return nullptr; }
-    bool RegisterExtension(ModuleHandle, const char*, unsigned, const String&) override { return false; }
-    VarMap* GetPcoreSessionUserData() override { return nullptr; }
-    bool GetSpecialFolder(int, wchar_t*, int) override { return false; }
-    Counted<Collection> CreateCollection() override { return nullptr; }
-    Counted<Stream> CreateStream(ModuleHandle, const wchar_t*, unsigned) override { return nullptr; }
-    String GetProductName() override { return String(); }
-    bool GetDocumentPath(wchar_t*, int) override { return false; }
-    Counted<Context> CreateContext(int, int) override { return nullptr; }
-    void* GetMainWindow(int) override { return nullptr; }
-    int ShowMessageBox(void*, const String&, const String&, unsigned) override { return 0; }
-    bool LoadModule(const String&, String*) override { return false; }
-
-private:
-    Api* former_;
-};
-
 TEST_F(HierarchyCheck, RefusesAHierarchyThatNoFactoryCanLookInto) {
     const SoundCar car(*scene);
-    const Nobody nobody;
+    const InertApi nobody;
     EXPECT_FALSE(Validate());
     EXPECT_EQ(log->Texts(), Messages{});
 }
 
 TEST_F(HierarchyCheck, NeedsNoFactoryWithoutInstances) {
     scene->CreateEmptyNode(0, 0, 0);
-    const Nobody nobody;
+    const InertApi nobody;
     EXPECT_TRUE(Validate());
 }
 
