@@ -191,6 +191,14 @@ TEST_F(GltfExport, TenThousandLevelsComeBack) {
     EXPECT_EQ(Tree(file), Tree(scene));
 }
 
+TEST_F(GltfExport, TenThousandLevelsNeedNoDeepStack) {
+    const std::string scene = Keep("deep.qn", qn::test::DeepShape(kLevels));
+    // KiB: about a hundred bytes for each level.
+    const ToolRun run = RunProgram(
+        "sh", {"-c", "ulimit -s 1024; exec \"$@\"", "sh", ASSEMBLY_TOOL, "convert", scene, File("deep.glb")});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+}
+
 TEST_F(GltfExport, AHundredThousandChildrenComeBack) {
     AssemblyShape shape{{{"root", std::vector<int>(kChildren, 1)}, {"part", {}}}};
     const std::string scene = Keep("wide.qn", shape);
