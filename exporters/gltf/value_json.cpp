@@ -4,6 +4,7 @@
 #include "exporters/gltf/json_text.h"
 #include "frame/host/collections.h"
 #include "importers/gltf/gltf_extras_keys.h"
+#include "importers/gltf/gltf_limits.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +14,7 @@ namespace qn::gltf_export {
 namespace {
 
 namespace Form = gltf_extras::Form;
+using gltf_limits::kDeepestMetadata;
 
 void OpenForm(std::string& out, const char* form) {
     out += "{\"", out += form, out += "\":";
@@ -88,7 +90,6 @@ public:
     void Write(const Var& value) {
         const unsigned flags = value.GetValueFlags();
         if (flags == 0) return WriteContent(value);
-        const Nesting nesting(*this, 2);
         OpenForm(out_, Form::kFlags);
         out_ += '[', AppendIndex(out_, flags), out_ += ',';
         WriteContent(value);
@@ -96,21 +97,20 @@ public:
     }
 
 private:
-    /// Brackets that are open at present.
+    /// A map or array that is open at present.
     class Nesting {
     public:
-        Nesting(Writer& writer, int levels) : writer_(writer), levels_(levels) {
-            if ((writer_.depth_ += levels) > kDeepestJson)
-                throw ExportFailure(Outcome::kLimit, "values are nested deeper than " +
-                                                         std::to_string(kDeepestJson) + " brackets of JSON");
+        explicit Nesting(Writer& writer) : writer_(writer) {
+            if (++writer_.depth_ > kDeepestMetadata)
+                throw ExportFailure(Outcome::kLimit, "maps and arrays are nested deeper than " +
+                                                         std::to_string(kDeepestMetadata) + " levels");
         }
-        ~Nesting() { writer_.depth_ -= levels_; }
+        ~Nesting() { --writer_.depth_; }
         Nesting(const Nesting&) = delete;
         Nesting& operator=(const Nesting&) = delete;
 
     private:
         Writer& writer_;
-        int levels_;
     };
 
     void WriteContent(const Var& value) {
@@ -158,7 +158,7 @@ private:
 
     void WriteArray(const VarArray* array) {
         if (!array) return void(out_ += "null");  // watched, and gone
-        const Nesting nesting(*this, 1);
+        const Nesting nesting(*this);
         out_ += '[';
         Comma comma;
         for (int i = 0; i < array->GetCount(); ++i) {
@@ -174,7 +174,7 @@ private:
     }
 
     void WriteObject(const VarMap& map) {
-        const Nesting nesting(*this, 1);
+        const Nesting nesting(*this);
         out_ += '{';
         Comma comma;
         for (int i = 0; i < map.GetCount(); ++i) {
@@ -188,7 +188,7 @@ private:
     }
 
     void WriteRows(const VarMap& map) {
-        const Nesting nesting(*this, 3);
+        const Nesting nesting(*this);
         OpenForm(out_, Form::kMap);
         out_ += '[';
         Comma comma;

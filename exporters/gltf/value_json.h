@@ -7,11 +7,8 @@
 
 namespace qn::gltf_export {
 
-/// Brackets of JSON nested in one another; a value that goes deeper, or contains itself, cannot be written.
-inline constexpr int kDeepestJson = 48;
-
-/// The value as JSON, see docs/gltf.md; objects that are no values become null. Throws ExportFailure for a
-/// value that is nested too deeply.
+/// The value as JSON, see docs/gltf.md; objects that are no values become null. Throws ExportFailure for maps
+/// and arrays nested deeper than `kDeepestMetadata`, or in themselves.
 void AppendValue(std::string& out, const Var& value);
 
 /// Whether a property with this value is written: it is set and is not an object of another kind.

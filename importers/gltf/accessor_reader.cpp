@@ -100,17 +100,17 @@ public:
             FailAt(place_ + "/type", "expected " + std::to_string(components) + " components, found " +
                                          std::to_string(accessor_.components));
         const std::size_t size = components * type_.size;
-        CheckCount();
         std::vector<Result> numbers;
         if (accessor_.view != kNone) {
             const std::uint32_t stride = store_.StrideOf(accessor_.view);
             const Elements elements = ElementsIn(store_.GetView(accessor_.view), accessor_.offset,
                                                  stride ? stride : size, size, accessor_.count, place_);
-            numbers.resize(elements.count * components);
+            Resize(numbers, components);
             for (std::size_t i = 0; i < elements.count; ++i)
                 convert_(elements.first + i * elements.stride, components, &numbers[i * components]);
         } else {
-            numbers.resize(std::size_t{accessor_.count} * components);
+            store_.GetAllowance().TakeUnbacked(accessor_.count, place_ + "/count");
+            Resize(numbers, components);
         }
         if (accessor_.sparse.count > 0) PutSparse(numbers, components, size);
         return numbers;
@@ -130,14 +130,16 @@ private:
         return convert;
     }
 
-    void CheckCount() const {
-        const std::uint64_t most =
-            accessor_.view == kNone ? gltf_limits::kMostUnbackedElements : gltf_limits::kMostVertices;
-        if (accessor_.count > most)
+    /// Zeros for all elements.
+    void Resize(std::vector<Result>& numbers, std::uint32_t components) {
+        if (accessor_.count > gltf_limits::kMostVertices)
             FailAt(place_ + "/count",
-                   "expected at most " + std::to_string(most) + " elements, found " +
+                   "expected at most " + std::to_string(gltf_limits::kMostVertices) + " elements, found " +
                        std::to_string(accessor_.count),
                    LoadFailure::kLimit);
+        const std::size_t count = std::size_t{accessor_.count} * components;
+        store_.GetAllowance().Take(count * sizeof(Result), place_);
+        numbers.resize(count);
     }
 
     void PutSparse(std::vector<Result>& numbers, std::uint32_t components, std::size_t size) {

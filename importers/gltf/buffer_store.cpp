@@ -4,6 +4,8 @@
 #include "importers/gltf/gltf_uri.h"
 #include "importers/gltf/meshopt_view.h"
 
+#include <algorithm>
+
 namespace qn::gltf {
 namespace {
 
@@ -29,13 +31,15 @@ BufferStore::BufferStore(const Model& model, const FileSource& file, const Conta
       container_(container),
       folder_(std::move(folder)),
       buffers_(model.buffers.size()),
-      unpacked_(model.views.size()) {}
+      unpacked_(model.views.size()) {
+    allowance_.Grant(file.GetSize());
+}
 
 Bytes BufferStore::GetBuffer(std::uint32_t index) {
     Entry& entry = buffers_[index];
     if (entry.isRead) return entry.bytes;
     try {
-        ReadBuffer(index, entry.bytes);
+        ReadBuffer(index, entry);
     } catch (const GltfError& error) {
         FailAt(PointerTo("buffers", index), error.what(), error.Kind());
     }
@@ -43,17 +47,20 @@ Bytes BufferStore::GetBuffer(std::uint32_t index) {
     return entry.bytes;
 }
 
-void BufferStore::ReadBuffer(std::uint32_t index, std::vector<std::uint8_t>& out) {
+void BufferStore::ReadBuffer(std::uint32_t index, Entry& out) {
     const Buffer& buffer = model_.buffers[index];
+    if (buffer.hasUri && !IsDataUri(buffer.uri)) {
+        out.bytes = GetOtherFile(buffer);
+        return;
+    }
     if (!buffer.hasUri) {
         if (index != 0) throw GltfError("expected an uri: only buffer 0 is the binary part of the file");
-        ReadBinaryPart(buffer, out);
-    } else if (IsDataUri(buffer.uri)) {
-        out = DecodeDataUri(buffer.uri);
-        if (out.size() < buffer.length) FailOnLength(buffer.length, out.size());
+        ReadBinaryPart(buffer, out.own);
     } else {
-        ReadOtherFile(buffer, out);
+        out.own = DecodeDataUri(buffer.uri);
+        if (out.own.size() < buffer.length) FailOnLength(buffer.length, out.own.size());
     }
+    out.bytes = out.own;
 }
 
 void BufferStore::ReadBinaryPart(const Buffer& buffer, std::vector<std::uint8_t>& out) {
@@ -63,17 +70,30 @@ void BufferStore::ReadBinaryPart(const Buffer& buffer, std::vector<std::uint8_t>
     file_.Read(container_.binaryOffset, out.data(), out.size());
 }
 
-void BufferStore::ReadOtherFile(const Buffer& buffer, std::vector<std::uint8_t>& out) {
+Bytes BufferStore::GetOtherFile(const Buffer& buffer) {
     if (!folder_) throw GltfError("names another file, and none is opened here", LoadFailure::kMissing);
     const std::filesystem::path path = ResolveUri(buffer.uri, *folder_);
     try {
-        const auto file = OpenFile(path);
-        if (buffer.length > file->GetSize()) FailOnLength(buffer.length, file->GetSize());
-        out.resize(static_cast<std::size_t>(buffer.length));
-        file->Read(0, out.data(), out.size());
+        auto known = others_.find(path);
+        if (known == others_.end()) known = others_.emplace(path, ReadOtherFile(path)).first;
+        if (buffer.length > known->second.size()) FailOnLength(buffer.length, known->second.size());
+        return Bytes(known->second).first(static_cast<std::size_t>(buffer.length));
     } catch (const GltfError& error) {
         throw GltfError("the file \"" + buffer.uri + "\": " + error.what(), error.Kind());
     }
+}
+
+/// As much of the file as any buffer could ask for.
+std::vector<std::uint8_t> BufferStore::ReadOtherFile(const std::filesystem::path& path) {
+    const auto file = OpenFile(path);
+    std::uint64_t length = 0;
+    for (const Buffer& buffer : model_.buffers)
+        length = std::max(length, buffer.length);
+    length = std::min(length, file->GetSize());
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(length));
+    file->Read(0, bytes.data(), bytes.size());
+    allowance_.Grant(length);
+    return bytes;
 }
 
 Bytes BufferStore::GetView(std::uint32_t index) {
@@ -89,7 +109,8 @@ Bytes BufferStore::GetUnpacked(std::uint32_t index) {
     const std::string place = PointerTo("bufferViews", index) + "/extensions/EXT_meshopt_compression";
     const Bytes packed = Slice(GetBuffer(view.packedBuffer), view.packedOffset, view.packedLength, place);
     try {
-        entry.bytes = UnpackView(view, packed);
+        entry.own = UnpackView(view, packed, allowance_);
+        entry.bytes = entry.own;
     } catch (const GltfError& error) {
         FailAt(place, error.what(), error.Kind());
     }

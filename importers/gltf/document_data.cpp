@@ -7,7 +7,6 @@
 namespace qn::gltf {
 namespace {
 
-constexpr std::uint64_t kAnyByte = gltf_limits::kLargestBuffer;
 constexpr std::uint64_t kWidestStride = 0xffff;
 
 struct ElementType {
@@ -16,6 +15,11 @@ struct ElementType {
 };
 constexpr ElementType kElementTypes[] = {{"SCALAR", 1}, {"VEC2", 2}, {"VEC3", 3}, {"VEC4", 4},
                                          {"MAT2", 4},   {"MAT3", 9}, {"MAT4", 16}};
+
+/// A place or a length in a buffer.
+std::uint64_t ReadByte(JsonReader& json, JsonValue& value) {
+    return json.UpTo(value, gltf_limits::kLargestBuffer, LoadFailure::kLimit);
+}
 
 }  // namespace
 
@@ -28,7 +32,7 @@ void DocumentReader::ReadBuffers(JsonValue& value) {
     };
     static constexpr Row<Buffer> kRows[] = {
         {"uri", [](auto& r, Buffer& b, auto& v) { b.uri = r.json_.String(v), b.hasUri = true; }},
-        {"byteLength", [](auto& r, Buffer& b, auto& v) { b.length = r.json_.UpTo(v, kAnyByte); }},
+        {"byteLength", [](auto& r, Buffer& b, auto& v) { b.length = ReadByte(r.json_, v); }},
         {"extensions", [](auto& r, Buffer& b, auto& v) { r.ReadObject(v, b, kExtensions); }},
     };
     ReadList(value, model_.buffers, kRows, gltf_limits::kMostOthers);
@@ -37,8 +41,8 @@ void DocumentReader::ReadBuffers(JsonValue& value) {
 void DocumentReader::ReadViews(JsonValue& value) {
     static constexpr Row<BufferView> kPacked[] = {
         {"buffer", [](auto& r, BufferView& b, auto& v) { b.packedBuffer = r.json_.Index(v); }},
-        {"byteOffset", [](auto& r, BufferView& b, auto& v) { b.packedOffset = r.json_.UpTo(v, kAnyByte); }},
-        {"byteLength", [](auto& r, BufferView& b, auto& v) { b.packedLength = r.json_.UpTo(v, kAnyByte); }},
+        {"byteOffset", [](auto& r, BufferView& b, auto& v) { b.packedOffset = ReadByte(r.json_, v); }},
+        {"byteLength", [](auto& r, BufferView& b, auto& v) { b.packedLength = ReadByte(r.json_, v); }},
         {"byteStride",
          [](auto& r, BufferView& b, auto& v) {
              b.packedStride = static_cast<std::uint32_t>(r.json_.UpTo(v, kWidestStride));
@@ -52,8 +56,8 @@ void DocumentReader::ReadViews(JsonValue& value) {
     };
     static constexpr Row<BufferView> kRows[] = {
         {"buffer", [](auto& r, BufferView& b, auto& v) { b.buffer = r.json_.Index(v); }},
-        {"byteOffset", [](auto& r, BufferView& b, auto& v) { b.offset = r.json_.UpTo(v, kAnyByte); }},
-        {"byteLength", [](auto& r, BufferView& b, auto& v) { b.length = r.json_.UpTo(v, kAnyByte); }},
+        {"byteOffset", [](auto& r, BufferView& b, auto& v) { b.offset = ReadByte(r.json_, v); }},
+        {"byteLength", [](auto& r, BufferView& b, auto& v) { b.length = ReadByte(r.json_, v); }},
         {"byteStride",
          [](auto& r, BufferView& b, auto& v) {
              b.stride = static_cast<std::uint32_t>(r.json_.UpTo(v, kWidestStride));
@@ -66,13 +70,13 @@ void DocumentReader::ReadViews(JsonValue& value) {
 void DocumentReader::ReadAccessors(JsonValue& value) {
     static constexpr Row<Sparse> kSparseIndices[] = {
         {"bufferView", [](auto& r, Sparse& s, auto& v) { s.indexView = r.json_.Index(v); }},
-        {"byteOffset", [](auto& r, Sparse& s, auto& v) { s.indexOffset = r.json_.UpTo(v, kAnyByte); }},
+        {"byteOffset", [](auto& r, Sparse& s, auto& v) { s.indexOffset = ReadByte(r.json_, v); }},
         {"componentType",
          [](auto& r, Sparse& s, auto& v) { s.indexType = static_cast<int>(r.json_.UpTo(v, 0xffff)); }},
     };
     static constexpr Row<Sparse> kSparseValues[] = {
         {"bufferView", [](auto& r, Sparse& s, auto& v) { s.valueView = r.json_.Index(v); }},
-        {"byteOffset", [](auto& r, Sparse& s, auto& v) { s.valueOffset = r.json_.UpTo(v, kAnyByte); }},
+        {"byteOffset", [](auto& r, Sparse& s, auto& v) { s.valueOffset = ReadByte(r.json_, v); }},
     };
     static constexpr Row<Sparse> kSparse[] = {
         {"count", [](auto& r, Sparse& s, auto& v) { s.count = r.json_.Index(v); }},
@@ -81,7 +85,7 @@ void DocumentReader::ReadAccessors(JsonValue& value) {
     };
     static constexpr Row<Accessor> kRows[] = {
         {"bufferView", [](auto& r, Accessor& a, auto& v) { a.view = r.json_.Index(v); }},
-        {"byteOffset", [](auto& r, Accessor& a, auto& v) { a.offset = r.json_.UpTo(v, kAnyByte); }},
+        {"byteOffset", [](auto& r, Accessor& a, auto& v) { a.offset = ReadByte(r.json_, v); }},
         {"componentType",
          [](auto& r, Accessor& a, auto& v) { a.componentType = static_cast<int>(r.json_.UpTo(v, 0xffff)); }},
         {"count", [](auto& r, Accessor& a, auto& v) { a.count = r.json_.Index(v); }},

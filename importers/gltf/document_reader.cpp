@@ -7,6 +7,8 @@
 namespace qn::gltf {
 namespace {
 
+constexpr std::size_t kMostNameBytes = std::numeric_limits<std::uint32_t>::max();
+
 /// The byte at which the parser stands, as far as it can tell.
 std::string ByteText(simdjson::ondemand::document& document, const char* text) {
     const char* at = nullptr;
@@ -27,7 +29,8 @@ const DocumentReader::Row<Model> DocumentReader::kRows[] = {
     {"buffers", [](auto& r, Model&, auto& v) { r.ReadBuffers(v); }},
     {"bufferViews", [](auto& r, Model&, auto& v) { r.ReadViews(v); }},
     {"accessors", [](auto& r, Model&, auto& v) { r.ReadAccessors(v); }},
-    {"extras", [](auto& r, Model& m, auto& v) { m.documentExtras = r.json_.Any(v); }},
+    {"extras",
+     [](auto& r, Model& m, auto& v) { m.documentExtras = r.json_.Any(v, gltf_limits::kDeepestTables); }},
     {"extensionsUsed", [](auto& r, Model& m, auto& v) { r.ReadTexts(v, m.extensionsUsed); }},
     {"extensionsRequired", [](auto& r, Model& m, auto& v) { r.ReadTexts(v, m.extensionsRequired); }},
 };
@@ -71,8 +74,11 @@ void DocumentReader::FailTooMany(std::uint64_t most) const {
 Text DocumentReader::AddText(std::string_view text) {
     const Text added{static_cast<std::uint32_t>(model_.texts.size()),
                      static_cast<std::uint32_t>(text.size())};
-    if (model_.texts.size() + text.size() > std::numeric_limits<std::uint32_t>::max())
-        json_.Fail("the names of the file are too long", LoadFailure::kLimit);
+    if (model_.texts.size() + text.size() > kMostNameBytes)
+        json_.Fail("expected names of at most " + std::to_string(kMostNameBytes) +
+                       " bytes together, with this it is " +
+                       std::to_string(model_.texts.size() + text.size()),
+                   LoadFailure::kLimit);
     model_.texts += text;
     return added;
 }

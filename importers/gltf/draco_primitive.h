@@ -1,5 +1,7 @@
 #pragma once
 
+#include "importers/gltf/allowance.h"
+
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -13,9 +15,9 @@ struct UnpackedPrimitive {
     std::vector<std::uint32_t> indices;
 };
 
-/// `positions` and `normals` are ids of attributes within the packed bytes; kNone: not asked for. Throws
-/// GltfError.
+/// `positions` and `normals` are ids of attributes within the packed bytes; kNone: not asked for. What
+/// the packed bytes claim to hold is taken from the allowance first. Throws GltfError.
 UnpackedPrimitive UnpackPrimitive(std::span<const std::uint8_t> packed, std::uint32_t positions,
-                                  std::uint32_t normals);
+                                  std::uint32_t normals, Allowance& allowance);
 
 }  // namespace qn::gltf

@@ -118,7 +118,8 @@ void CountCopies(Model& model) {
         total += copies.count;
         if (total > gltf_limits::kMostNodes)
             FailAt(place,
-                   "nodes and copies together are more than " + std::to_string(gltf_limits::kMostNodes),
+                   "expected at most " + std::to_string(gltf_limits::kMostNodes) +
+                       " nodes and copies together, with this it is " + std::to_string(total),
                    LoadFailure::kLimit);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "construction/hierarchy_generator.h"
 #include "frame/host/api.h"
+#include "frame/host/collections.h"
 #include "frame/host/context.h"
 #include "importers/gltf/accessor_reader.h"
 #include "importers/gltf/gltf_error.h"
@@ -17,6 +18,8 @@ using graph::Reference;
 namespace Prop = graph::Prop;
 
 constexpr std::size_t kNodesBetweenReports = 1 << 16;
+/// Memory of one use with a place, the table included.
+constexpr std::uint64_t kBytesOfCopy = 800;
 /// Share of the progress at which the nodes begin and end to become a graph.
 constexpr double kFirstShare = 0.3, kLastShare = 0.6;
 
@@ -30,12 +33,27 @@ bool IsPlainUse(const Node& node) {
     return node.mesh != kNone && node.childCount == 0 && node.camera == kNone && node.copies == kNone;
 }
 
+/// Only tables of ours may be nested deeper, and what is read from the nodes alone keeps them as metadata.
+void CheckDepth(const Var& extras, int depth = 1) {
+    if (depth > gltf_limits::kDeepestExtras)
+        FailAt("/extras",
+               "values are nested deeper than " + std::to_string(gltf_limits::kDeepestExtras) + " levels",
+               LoadFailure::kLimit);
+    if (const VarMap* map = extras.ToMap())
+        for (int i = 0; i < map->GetCount(); ++i)
+            CheckDepth(map->ValueAt(i), depth + 1);
+    if (const VarArray* array = extras.ToArray())
+        for (int i = 0; i < array->GetCount(); ++i)
+            CheckDepth(array->Get(i), depth + 1);
+}
+
 }  // namespace
 
 bool GraphBuilder::Build(const String& fileName) {
     table_ = Made(CreateAs<graph::LookupTable>(graph::ClassKey::kLookupTable));
     AssemblyHierarchy told;
     if (!BuildAssembly(model_, *table_, told, warning_)) {
+        CheckDepth(model_.documentExtras);
         scale_ = kMillimetres;
         return BuildFromNodes(fileName);
     }
@@ -105,6 +123,7 @@ std::vector<Matrix4<double>> GraphBuilder::PlacesOfCopies(const Copies& copies, 
             out[i] = numbers[copy * count + i];
         return numbers.empty() ? nullptr : out;
     };
+    store_.GetAllowance().Take(copies.count * kBytesOfCopy, pointer);
     std::vector<Matrix4<double>> places(copies.count);
     for (std::size_t i = 0; i < places.size(); ++i) {
         double translation[3], rotation[4], stretch[3];
@@ -122,7 +141,8 @@ void GraphBuilder::AddCopies(const Node& node, std::uint32_t index, Reference& p
     try {
         places = PlacesOfCopies(copies, PointerTo("nodes", index));
     } catch (const GltfError& error) {
-        if (!structureOnly_ || copies.count > gltf_limits::kMostUnbackedElements) throw;
+        if (!structureOnly_ || error.Kind() == LoadFailure::kLimit) throw;
+        store_.GetAllowance().TakeUnbacked(copies.count, PointerTo("nodes", index));
         warning_ = std::string("the places of copies are not known: ") + error.what();
         places.resize(copies.count);
     }

@@ -64,9 +64,10 @@ std::uint64_t JsonReader::Unsigned(JsonValue& value) {
     return static_cast<std::uint64_t>(written);
 }
 
-std::uint64_t JsonReader::UpTo(JsonValue& value, std::uint64_t most) {
+std::uint64_t JsonReader::UpTo(JsonValue& value, std::uint64_t most, LoadFailure kind) {
     const std::uint64_t number = Unsigned(value);
-    if (number > most) Fail("expected at most " + std::to_string(most) + ", found " + std::to_string(number));
+    if (number > most)
+        Fail("expected at most " + std::to_string(most) + ", found " + std::to_string(number), kind);
     return number;
 }
 
@@ -89,8 +90,8 @@ Var JsonReader::NumberAny(JsonValue& value) {
     return isSmall ? Var(static_cast<int>(whole)) : Var(whole);
 }
 
-Var JsonReader::AnyAt(JsonValue& value, int depth) {
-    if (depth > gltf_limits::kDeepestExtras)
+Var JsonReader::AnyAt(JsonValue& value, int levelsLeft) {
+    if (levelsLeft <= 0)
         Fail("values are nested deeper than " + std::to_string(gltf_limits::kDeepestExtras) + " levels",
              LoadFailure::kLimit);
     const od::json_type type = value.type();
@@ -99,7 +100,7 @@ Var JsonReader::AnyAt(JsonValue& value, int depth) {
         case od::json_type::object: {
             const auto map = VarMap::Create();
             Members(value, [&](std::string_view key, JsonValue& member) {
-                Var read = AnyAt(member, depth + 1);
+                Var read = AnyAt(member, levelsLeft - 1);
                 map->At(Var(qn::String::FromUtf8(key))) = std::move(read);
             });
             return Var(map);
@@ -107,7 +108,7 @@ Var JsonReader::AnyAt(JsonValue& value, int depth) {
         case od::json_type::array: {
             const auto array = VarArray::Create();
             Elements(value,
-                     [&](std::uint64_t, JsonValue& element) { array->Add(AnyAt(element, depth + 1)); });
+                     [&](std::uint64_t, JsonValue& element) { array->Add(AnyAt(element, levelsLeft - 1)); });
             return Var(array);
         }
         case od::json_type::number:

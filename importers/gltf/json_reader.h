@@ -2,6 +2,7 @@
 
 #include "frame/host/var.h"
 #include "importers/gltf/gltf_error.h"
+#include "importers/gltf/gltf_limits.h"
 #include "importers/gltf/json_place.h"
 
 #include <simdjson.h>
@@ -51,7 +52,7 @@ public:
     /// A number without fraction, not below 0.
     std::uint64_t Unsigned(JsonValue& value);
     /// The same up to `most`.
-    std::uint64_t UpTo(JsonValue& value, std::uint64_t most);
+    std::uint64_t UpTo(JsonValue& value, std::uint64_t most, LoadFailure kind = LoadFailure::kMalformed);
     /// An index into some list; whether it leads somewhere is checked when all lists are known.
     std::uint32_t Index(JsonValue& value) { return static_cast<std::uint32_t>(UpTo(value, kGreatestIndex)); }
     double Number(JsonValue& value) {
@@ -63,7 +64,8 @@ public:
     /// Lives as long as the parser.
     std::string_view String(JsonValue& value);
     /// Any value, as a host value: objects are maps, numbers without fraction are integers.
-    Var Any(JsonValue& value) { return AnyAt(value, 1); }
+    /// Deeper than `deepest` levels is too deep, and is told as deeper than extras may be.
+    Var Any(JsonValue& value, int deepest = gltf_limits::kDeepestExtras) { return AnyAt(value, deepest); }
 
     [[noreturn]] void Fail(const std::string& text, LoadFailure kind = LoadFailure::kMalformed) const {
         FailAt(place.Pointer(), text, kind);
@@ -77,7 +79,7 @@ private:
 
     [[noreturn]] void FailNumber(JsonValue& value) const;
     static std::string_view KeyOf(simdjson::ondemand::field& field);
-    Var AnyAt(JsonValue& value, int depth);
+    Var AnyAt(JsonValue& value, int levelsLeft);
     Var NumberAny(JsonValue& value);
 };
 

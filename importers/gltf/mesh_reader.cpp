@@ -38,8 +38,9 @@ public:
 
     void Add(const Primitive& primitive, std::uint32_t slot, const std::string& place) {
         std::vector<std::uint32_t> corners;
-        const Vertices vertices = primitive.dracoView == kNone ? AddPlain(primitive, corners)
+        const Vertices vertices = primitive.dracoView == kNone ? AddPlain(primitive, corners, place)
                                                                : AddPacked(primitive, corners, place);
+        if (primitive.mode != kTriangles) TakeCorners(3 * corners.size(), place);
         corners = ToTriangles(std::move(corners), primitive.mode);
         if (corners.size() % 3 != 0)
             FailAt(place,
@@ -77,13 +78,18 @@ private:
     static void CheckSize(std::size_t count, const std::string& place) {
         if (count > gltf_limits::kMostVertices)
             FailAt(place,
-                   "the mesh has more than " + std::to_string(gltf_limits::kMostVertices) +
-                       " vertices or corners",
+                   "expected at most " + std::to_string(gltf_limits::kMostVertices) +
+                       " vertices, and corners, in one mesh, with this it is " + std::to_string(count),
                    LoadFailure::kLimit);
     }
 
+    void TakeCorners(std::size_t count, const std::string& place) {
+        store_.GetAllowance().Take(count * sizeof(std::uint32_t), place);
+    }
+
     /// Vertices that primitives share are stored once.
-    Vertices AddPlain(const Primitive& primitive, std::vector<std::uint32_t>& corners) {
+    Vertices AddPlain(const Primitive& primitive, std::vector<std::uint32_t>& corners,
+                      const std::string& place) {
         const auto [known, isNew] = shared_.try_emplace({primitive.positions, primitive.normals}, Vertices{});
         if (isNew) {
             std::vector<float> normals;
@@ -92,6 +98,7 @@ private:
             known->second = AddVertices(positions, normals, PointerTo("accessors", primitive.positions));
         }
         if (primitive.indices == kNone) {
+            TakeCorners(known->second.count, place);
             corners.resize(known->second.count);
             std::iota(corners.begin(), corners.end(), 0u);
         } else {
@@ -106,7 +113,8 @@ private:
         const Bytes packed = store_.GetView(primitive.dracoView);
         UnpackedPrimitive unpacked;
         try {
-            unpacked = UnpackPrimitive(packed, primitive.dracoPositions, primitive.dracoNormals);
+            unpacked = UnpackPrimitive(packed, primitive.dracoPositions, primitive.dracoNormals,
+                                       store_.GetAllowance());
         } catch (const GltfError& error) {
             FailAt(extension, error.what(), error.Kind());
         }

@@ -17,7 +17,13 @@ struct Mode {
     std::string_view name;
     Decode decode;
     bool (*accepts)(const BufferView& view);
+    std::uint64_t mostRatio;  ///< unpacked size to packed size
 };
+
+// The most that the codecs can reach. Attributes: a byte of group headers stands for four groups of 16 equal
+// bytes. Triangles: a code byte for each triangle, at most 3 indices of 4 bytes. Indices: a byte for each.
+constexpr std::uint64_t kAttributesRatio = 4 * 16, kTrianglesRatio = 3 * 4, kIndicesRatio = 4;
+static_assert(std::max({kAttributesRatio, kTrianglesRatio, kIndicesRatio}) == gltf_limits::kLargestRatio);
 
 constexpr std::uint32_t kWidestVertex = 256;
 
@@ -32,17 +38,18 @@ constexpr Mode kModes[] = {
      },
      [](const BufferView& view) {
          return view.packedStride > 0 && view.packedStride <= kWidestVertex && view.packedStride % 4 == 0;
-     }},
+     },
+     kAttributesRatio},
     {"TRIANGLES",
      [](void* out, std::size_t count, std::size_t stride, const unsigned char* packed, std::size_t size) {
          return meshopt_decodeIndexBuffer(out, count, stride, packed, size);
      },
-     [](const BufferView& view) { return IsIndexSize(view) && view.packedCount % 3 == 0; }},
+     [](const BufferView& view) { return IsIndexSize(view) && view.packedCount % 3 == 0; }, kTrianglesRatio},
     {"INDICES",
      [](void* out, std::size_t count, std::size_t stride, const unsigned char* packed, std::size_t size) {
          return meshopt_decodeIndexSequence(out, count, stride, packed, size);
      },
-     &IsIndexSize},
+     &IsIndexSize, kIndicesRatio},
 };
 
 struct Filter {
@@ -68,7 +75,8 @@ const Row& Find(const Row (&rows)[N], const std::string& name, const char* membe
 
 }  // namespace
 
-std::vector<std::uint8_t> UnpackView(const BufferView& view, std::span<const std::uint8_t> packed) {
+std::vector<std::uint8_t> UnpackView(const BufferView& view, std::span<const std::uint8_t> packed,
+                                     Allowance& allowance) {
     const Mode& mode = Find(kModes, view.packedMode, "/mode");
     const Filter& filter = Find(kFilters, view.packedFilter, "/filter");
     if (!mode.accepts(view))
@@ -81,9 +89,13 @@ std::vector<std::uint8_t> UnpackView(const BufferView& view, std::span<const std
         throw GltfError("elements of " + std::to_string(view.packedStride) + " bytes do not fit the filter " +
                         view.packedFilter);
     const std::uint64_t size = std::uint64_t{view.packedCount} * view.packedStride;
-    if (size / gltf_limits::kLargestRatio > packed.size() || size > gltf_limits::kLargestBuffer)
-        throw GltfError(std::to_string(packed.size()) + " bytes claim to unpack to " + std::to_string(size),
+    const std::uint64_t most = std::min(packed.size() * mode.mostRatio, gltf_limits::kLargestBuffer);
+    if (size > most)
+        throw GltfError(std::to_string(packed.size()) + " bytes of the mode " + view.packedMode +
+                            " unpack to at most " + std::to_string(most) + ", these claim " +
+                            std::to_string(size),
                         LoadFailure::kLimit);
+    allowance.Take(size, "");
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
     if (view.packedCount == 0) return bytes;
     if (mode.decode(bytes.data(), view.packedCount, view.packedStride, packed.data(), packed.size()) != 0)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "importers/gltf/allowance.h"
 #include "importers/gltf/gltf_model.h"
 
 #include <cstdint>
@@ -8,7 +9,8 @@
 
 namespace qn::gltf {
 
-/// The bytes of a view that EXT_meshopt_compression has packed. Throws GltfError.
-std::vector<std::uint8_t> UnpackView(const BufferView& view, std::span<const std::uint8_t> packed);
+/// The bytes of a view that EXT_meshopt_compression has packed, taken from the allowance. Throws GltfError.
+std::vector<std::uint8_t> UnpackView(const BufferView& view, std::span<const std::uint8_t> packed,
+                                     Allowance& allowance);
 
 }  // namespace qn::gltf

@@ -5,6 +5,7 @@
 #include "frame/host/node.h"
 #include "importers/gltf/document_reader.h"
 #include "importers/gltf/extras_value.h"
+#include "importers/gltf/gltf_limits.h"
 
 #include <gtest/gtest.h>
 
@@ -144,6 +145,19 @@ TEST(ValueJson, LeavesObjectsOut) {
     map.At(L"text") = Var(L"kept");
     EXPECT_EQ(JsonOf(map), R"({"text":"kept"})");
     EXPECT_FALSE(IsWritable(Var(object)));
+}
+
+Var Nested(int levels) {
+    Var value(1);
+    for (int i = 0; i < levels; ++i)
+        value = Flagged(MapOf(Var(L"$map"), value));  // the form with the most brackets
+    return value;
+}
+
+TEST(ValueJson, WritesValuesAsDeepAsTheImporterTakesThem) {
+    const Var deepest = Nested(gltf_limits::kDeepestMetadata);
+    EXPECT_EQ(Back(deepest), deepest);
+    EXPECT_THROW(JsonOf(Nested(gltf_limits::kDeepestMetadata + 1)), ExportFailure);
 }
 
 TEST(ValueJson, RefusesAValueThatContainsItself) {

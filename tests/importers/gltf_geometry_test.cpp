@@ -2,7 +2,7 @@
 #include "importers/gltf/gltf_error.h"
 #include "importers/gltf/gltf_uri.h"
 #include "importers/gltf/mesh_reader.h"
-#include "tests/importers/gltf_text.h"
+#include "tests/importers/gltf_parts.h"
 #include "tests/support/temp_folder.h"
 
 #include <draco/compression/encode.h>
@@ -18,74 +18,12 @@ using namespace qn;
 using namespace qn::gltf;
 using test::BytesOf;
 using test::GlbFile;
+using test::GltfParts;
 using test::GltfText;
+using test::ReadMesh;
 using Floats = std::vector<float>;
+using Read = test::MeshRead;
 using Indices = std::vector<std::uint32_t>;
-
-/// A file with one mesh, as it is read.
-struct Read {
-    Counted<k3::Mesh> mesh;
-    std::size_t skipped = 0;
-    std::string error;
-    LoadFailure kind = LoadFailure::kNone;
-};
-
-Read ReadMesh(const std::string& file, std::optional<std::filesystem::path> folder = {}) {
-    Read read;
-    try {
-        const auto source = SourceOf(file);
-        const Document document = ReadDocument(*source);
-        BufferStore store(document.model, *source, document.container, std::move(folder));
-        MeshReader reader(document.model, store, 1000);
-        read.mesh = reader.Read(0);
-        read.skipped = reader.GetSkippedCount();
-    } catch (const GltfError& error) {
-        read.error = error.what();
-        read.kind = error.Kind();
-    }
-    return read;
-}
-
-/// Bytes, views and accessors of a file, in the order in which they are added.
-class GltfParts {
-public:
-    /// A view of those bytes; `more` are further members.
-    int View(const std::string& bytes, const std::string& more = "") {
-        while (bytes_.size() % 4)
-            bytes_ += '\0';
-        views_ += (views_.empty() ? "" : ",") + std::string(R"({"buffer":0,"byteOffset":)") +
-                  std::to_string(bytes_.size()) + R"(,"byteLength":)" + std::to_string(bytes.size()) + more +
-                  "}";
-        bytes_ += bytes;
-        return viewCount_++;
-    }
-    int Accessor(const std::string& members) {
-        accessors_ += (accessors_.empty() ? "{" : ",{") + members + "}";
-        return accessorCount_++;
-    }
-    int Accessor(int view, int type, std::size_t count, const char* shape, const std::string& more = "") {
-        return Accessor(R"("bufferView":)" + std::to_string(view) + R"(,"componentType":)" +
-                        std::to_string(type) + R"(,"count":)" + std::to_string(count) + R"(,"type":")" +
-                        shape + "\"" + more);
-    }
-    int Positions(const Floats& numbers) {
-        return Accessor(View(BytesOf(numbers)), 5126, numbers.size() / 3, "VEC3");
-    }
-    int Corners(const std::vector<std::uint16_t>& numbers) {
-        return Accessor(View(BytesOf(numbers)), 5123, numbers.size(), "SCALAR");
-    }
-    /// A binary file whose only mesh has those primitives.
-    std::string File(const std::string& primitives, const std::string& more = "") const {
-        return GlbFile(GltfText(R"("buffers":[{"byteLength":)" + std::to_string(bytes_.size()) +
-                                R"(}],"bufferViews":[)" + views_ + R"(],"accessors":[)" + accessors_ +
-                                R"(],"meshes":[{"primitives":[)" + primitives + "]}]" + more),
-                       bytes_);
-    }
-
-private:
-    std::string bytes_, views_, accessors_;
-    int viewCount_ = 0, accessorCount_ = 0;
-};
 
 const Floats kSquare = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
 const Floats kSquareInMillimetres = {0, 0, 0, 1000, 0, 0, 1000, 1000, 0, 0, 1000, 0};
@@ -299,7 +237,8 @@ TEST(DamagedGltfBuffers, ComparesEveryRangeWithTheBytesThatAreThere) {
     EXPECT_EQ(errorOf(view, R"({"bufferView":0,"componentType":7,"count":3,"type":"VEC3"})"),
               "/accessors/0/componentType: expected 5120 to 5123, 5125 or 5126, found 7");
     EXPECT_EQ(errorOf(view, R"({"componentType":5126,"count":1000001,"type":"VEC3"})"),
-              "/accessors/0/count: expected at most 1000000 elements, found 1000001");
+              "/accessors/0/count: expected at most 1000000 elements in the whole file that none of its "
+              "bytes stand for, with this it is 1000001");
 }
 
 TEST(DamagedGltfBuffers, RefusesCornersBeyondTheVertices) {
