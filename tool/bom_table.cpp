@@ -1,6 +1,7 @@
 #include "tool/bom_table.h"
 
 #include "tool/column_widths.h"
+#include "tool/element_names.h"
 #include "tool/failure.h"
 #include "tool/nearest.h"
 
@@ -8,8 +9,6 @@ namespace assembly::tool {
 namespace {
 
 using qn::k3::Bom;
-
-constexpr const char* kUnnamed = "(no name)";
 
 /// As the structure would list them now: for the current one the scene's own nodes count.
 BomRow RowOf(Bom& bom, qn::k3::Scene& scene) {
@@ -31,7 +30,7 @@ BomRow RowOf(Bom& bom, qn::k3::Scene& scene) {
 std::string NamesOf(const std::vector<BomRow>& boms) {
     std::string names;
     for (const BomRow& row : boms)
-        names += (names.empty() ? "" : ", ") + ("\"" + row.name + "\"");
+        names += (names.empty() ? "" : ", ") + ("\"" + Printable(row.name) + "\"");
     return names;
 }
 

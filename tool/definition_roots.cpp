@@ -1,7 +1,6 @@
 #include "tool/definition_roots.h"
 
-#include "frame/host/generator.h"
-#include "services/node_check.h"
+#include "graph/node_content.h"
 #include "services/top_level_nodes.h"
 #include "tool/element_names.h"
 #include "tool/occurrence_path.h"
@@ -19,8 +18,7 @@ using qn::k3::Node;
 class Collector {
 public:
     void Add(Node& node) {
-        if (const qn::k3::Generator* const generator = qn::k3::Generator::Get(&node))
-            if (auto* const root = qn::Cast<Reference>(generator->GetGeneratedRoot())) Add(root, &node);
+        if (Reference* const root = qn::graph::GeneratedReference(node)) Add(root, &node);
     }
     void AddCarried(const Node& node) {
         const Instance* const carried = qn::graph::CarriedInstance(node);

@@ -1,5 +1,6 @@
 #include "tool/element_names.h"
 
+#include "graph/node_content.h"
 #include "tool/occurrence_path.h"
 
 #include <algorithm>
@@ -12,11 +13,9 @@ using qn::graph::Reference;
 using qn::k3::Node;
 namespace Prop = qn::graph::Prop;
 
-constexpr const char* kUnnamed = "(no name)";
-
 std::string NameOfNode(const Node& node) {
     const std::string own = node.GetName().ToUtf8();
-    return own.empty() ? NameInPath(qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance))) : own;
+    return own.empty() ? NameInPath(qn::graph::CarriedInstance(node)) : own;
 }
 
 /// A scene, and the root of a structure that is not shown, have no part in a path.

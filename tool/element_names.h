@@ -10,6 +10,9 @@
 
 namespace assembly::tool {
 
+/// What users see of an element without a name.
+inline constexpr const char* kUnnamed = "(no name)";
+
 /// The name of an element, UTF-8, empty without one or for null.
 std::string NameOfElement(const qn::graph::HierarchyElement* element);
 /// What a use goes by in a path: its own name, else its definition's.

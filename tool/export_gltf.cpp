@@ -1,7 +1,7 @@
 #include "tool/export_gltf.h"
 
 #include "exporters/gltf/gltf_export.h"
-#include "frame/host/generator.h"
+#include "graph/node_content.h"
 #include "tool/failure.h"
 #include "tool/structure.h"
 
@@ -20,9 +20,8 @@ constexpr const char* kTextEnding = ".gltf";
 /// The reference around the roots, if the scene is one file that has one.
 qn::graph::Reference* ContainerOf(qn::k3::Scene& scene) {
     const qn::k3::Node* top = scene.GetFirstChild();
-    const qn::k3::Generator* generator =
-        top && !top->GetNextSibling() ? qn::k3::Generator::Get(top) : nullptr;
-    auto* root = generator ? qn::Cast<qn::graph::Reference>(generator->GetGeneratedRoot()) : nullptr;
+    const bool isAlone = top && !top->GetNextSibling();
+    qn::graph::Reference* root = isAlone ? qn::graph::GeneratedReference(*top) : nullptr;
     return root && IsContainer(*root) ? root : nullptr;
 }
 

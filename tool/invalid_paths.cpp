@@ -1,5 +1,6 @@
 #include "tool/invalid_paths.h"
 
+#include "engine/scene/tree_walk.h"
 #include "frame/host/parameter_ids.h"
 
 #include <algorithm>
@@ -15,13 +16,6 @@ Instance* InstanceOf(const Structure& structure, Node& node) {
     return structure.table ? structure.table->GetInstanceOfNode(&node).Get() : nullptr;
 }
 
-/// The node after everything below this one in a walk, parents first; null at the end.
-Node* NextBeside(Node* node) {
-    while (node && !node->GetNextSibling())
-        node = node->GetParent();
-    return node ? node->GetNextSibling() : nullptr;
-}
-
 }  // namespace
 
 InvalidPaths::InvalidPaths(const Structure& structure, qn::k3::Scene& scene, const Validity& validity)
@@ -34,7 +28,7 @@ InvalidPaths::InvalidPaths(const Structure& structure, qn::k3::Scene& scene, con
     for (Node* node = scene.GetFirstChild(); node;) {
         const bool valid = validity.Allows(*node);
         if (!valid) Mark(structure, *node);
-        node = valid && node->GetFirstChild() ? node->GetFirstChild() : NextBeside(node);
+        node = valid && node->GetFirstChild() ? node->GetFirstChild() : qn::k3::NextBeside(node, &scene);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "tool/occurrence_path.h"
 
-#include "frame/host/generator.h"
+#include "graph/node_content.h"
+#include "tool/element_names.h"
 #include "tool/failure.h"
 
 #include <algorithm>
@@ -13,9 +14,6 @@ namespace {
 using qn::graph::Instance;
 using qn::graph::Reference;
 using qn::k3::Node;
-namespace Prop = qn::graph::Prop;
-
-constexpr const char* kUnnamed = "(no name)";
 
 const std::string& NameOf(const Structure& structure, const Use& use) {
     static const std::string unnamed = kUnnamed;
@@ -92,24 +90,14 @@ const Use* Choose(const Use* first, std::size_t count, const Part& part, std::st
     return found;
 }
 
-std::string TextOf(const qn::Var& value) {
-    return value.IsText() ? value.ToText().ToUtf8() : std::string();
-}
-
-/// What the node shows: what its instance uses, or what its generator makes nodes from.
 const Reference* DefinitionOf(const Node& node) {
-    if (const auto* instance = qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance)))
-        return instance->GetReference();
-    const qn::k3::Generator* generator = qn::k3::Generator::Get(&node);
-    return generator ? qn::Cast<Reference>(generator->GetGeneratedRoot()) : nullptr;
+    if (const Instance* instance = qn::graph::CarriedInstance(node)) return instance->GetReference();
+    return qn::graph::GeneratedReference(node);
 }
 
 std::string NameOf(const Node& node) {
-    std::string name;
-    if (const auto* instance = qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance)))
-        name = TextOf(instance->GetProperty(Prop::kName, 0));
-    const Reference* definition = name.empty() ? DefinitionOf(node) : nullptr;
-    if (definition) name = TextOf(definition->GetProperty(Prop::kName, 0));
+    std::string name = NameOfElement(qn::graph::CarriedInstance(node));
+    if (name.empty()) name = NameOfElement(DefinitionOf(node));
     if (name.empty()) name = node.GetName().ToUtf8();
     return name.empty() ? kUnnamed : name;
 }

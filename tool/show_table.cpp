@@ -1,12 +1,13 @@
 #include "tool/show_table.h"
 
+#include "tool/element_names.h"
+
 #include <algorithm>
 #include <vector>
 
 namespace assembly::tool {
 namespace {
 
-constexpr const char* kUnnamed = "(no name)";
 constexpr std::uint32_t kDrawnLevels =
     64;  // deeper levels are numbered: their guides would outgrow the names
 

@@ -3,9 +3,9 @@
 #include "construction/hierarchy_factory.h"
 #include "engine/import/external_name.h"
 #include "frame/host/api.h"
-#include "frame/host/generator.h"
 #include "frame/host/importer.h"
 #include "graph/lookup_table.h"
+#include "graph/node_content.h"
 #include "graph/persistent_selector.h"
 #include "graph/stored_selectors.h"
 #include "tool/failure.h"
@@ -182,8 +182,7 @@ Structure ReadStructure(qn::k3::Scene& scene, qn::Context& context) {
     Structure structure;
     Reader reader(structure);
     for (qn::k3::Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling()) {
-        const qn::k3::Generator* generator = qn::k3::Generator::Get(node);
-        auto* root = generator ? qn::Cast<Reference>(generator->GetGeneratedRoot()) : nullptr;
+        Reference* root = qn::graph::GeneratedReference(*node);
         if (!root) {
             if (!structure.table) structure.table = TableOf(scene, context);
             ReadFromNodes(*node, *structure.table, reader);

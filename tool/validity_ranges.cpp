@@ -1,6 +1,7 @@
 #include "tool/validity_ranges.h"
 
 #include "frame/host/parameter_ids.h"
+#include "graph/node_content.h"
 #include "tool/dates.h"
 #include "tool/occurrence_path.h"
 
@@ -78,13 +79,13 @@ void ForEachNode(const qn::k3::Scene& scene, Visit&& visit) {
 }
 
 const Reference* DefinitionOf(const Node& node) {
-    const auto* instance = qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance));
+    const Instance* instance = qn::graph::CarriedInstance(node);
     return instance ? instance->GetReference() : nullptr;
 }
 
 bool HasRanges(const Node& node) {
     if (EffectivityOf(node)) return true;
-    const auto* instance = qn::Cast<Instance>(node.GetParamObject(qn::Param::kInstance));
+    const Instance* instance = qn::graph::CarriedInstance(node);
     return instance && EffectivityOf(*instance);
 }
 
