@@ -1,7 +1,7 @@
 #include "tests/importers/step_summary.h"
 
 #include "importers/step/step_transform.h"
-#include "tests/importers/sha256.h"
+#include "tests/support/sha256.h"
 
 #include <algorithm>
 #include <array>
@@ -54,13 +54,6 @@ Expansion Expand(const StepModel& model) {
     }
     std::sort(result.paths.begin(), result.paths.end());
     return result;
-}
-
-json Joined(const std::vector<std::string>& paths) {
-    std::string all;
-    for (const std::string& path : paths)
-        all += (&path == &paths.front() ? "" : "\n") + path;
-    return Sha256(all);
 }
 
 void AddUses(const StepModel& model, json& out) {
@@ -136,7 +129,7 @@ json SummaryOf(const StepModel& model) {
     out["root_names"] = roots;
     out["occurrences"] = expansion.paths.size();
     out["depth"] = expansion.depth;
-    out["paths_sha256"] = Joined(expansion.paths);
+    out["paths_sha256"] = qn::test::Sha256OfLines(expansion.paths);
     if (expansion.paths.size() <= kMostPathsListed) out["paths"] = expansion.paths;
     for (const auto& [name, sum] : expansion.sums) {
         out["occurrences_by_definition_name"][name] = static_cast<int>(sum[0]);

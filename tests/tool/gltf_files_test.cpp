@@ -1,5 +1,6 @@
 // Every glTF file of the data folder through the tool, against what an independent reader found in it.
 
+#include "tests/tool/shown_paths.h"
 #include "tests/tool/tool_process.h"
 
 #include <gtest/gtest.h>
@@ -63,31 +64,6 @@ std::string NameOf(const json& occurrence, const char* otherwise) {
     return occurrence.contains("name") ? occurrence["name"].get<std::string>() : otherwise;
 }
 
-std::string Sha256(const std::string& text) {
-    const TemporaryFolder folder;
-    WriteAll(folder.File("text"), text);
-    return RunProgram("sha256sum", {folder.File("text")}).out.substr(0, 64);
-}
-
-/// The paths of node names of all occurrences, sorted.
-std::vector<std::string> PathsOf(const json& shown) {
-    std::vector<std::string> paths;
-    for (const json& occurrence : shown["occurrences"]) {
-        const std::string name = NameOf(occurrence, "#");
-        const json& parent = occurrence["parent"];
-        paths.push_back(parent.is_null() ? name : paths[parent.get<std::size_t>()] + "/" + name);
-    }
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
-
-std::string Joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += (text.empty() ? "" : "\n") + line;
-    return text;
-}
-
 TEST_P(GltfFiles, AreCountedAsTheirNodesStand) {
     const json stats = ToolJson({"stats", "--format", "json", File()});
     const int levelOfCopies = Copies() ? 1 : 0;
@@ -133,11 +109,8 @@ TEST_P(GltfFiles, ShowTheNamesOfTheirNodes) {
 
 TEST_P(GltfFiles, ShowAPathForEachNode) {
     if (Copies()) GTEST_SKIP() << "copies have paths, too";
-    const std::vector<std::string> paths = PathsOf(ToolJson({"show", "--format", "json", File()}));
-    if (!expected_["paths"].is_null()) {
-        EXPECT_EQ(json(paths), expected_["paths"]);
-    }
-    EXPECT_EQ(Sha256(Joined(paths)), expected_["paths_sha256"]);
+    ExpectPaths(ToolJson({"show", "--format", "json", File()}), expected_,
+                [](const json& occurrence) { return NameOf(occurrence, "#"); });
 }
 
 TEST_P(GltfFiles, PlaceTheirNodesInMillimetres) {

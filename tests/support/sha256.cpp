@@ -1,10 +1,11 @@
-#include "tests/importers/sha256.h"
+#include "tests/support/sha256.h"
 
 #include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 
+namespace qn::test {
 namespace {
 
 using Words = std::array<std::uint32_t, 64>;
@@ -76,3 +77,12 @@ std::string Sha256(std::string_view bytes) {
             hex += "0123456789abcdef"[word >> shift & 15];
     return hex;
 }
+
+std::string Sha256OfLines(const std::vector<std::string>& lines) {
+    std::string all;
+    for (const std::string& line : lines)
+        all += (&line == &lines.front() ? "" : "\n") + line;
+    return Sha256(all);
+}
+
+}  // namespace qn::test
