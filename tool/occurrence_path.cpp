@@ -90,6 +90,7 @@ const Use* Choose(const Use* first, std::size_t count, const Part& part, std::st
     return found;
 }
 
+/// What the node shows: what its instance uses, or what its generator makes nodes from.
 const Reference* DefinitionOf(const Node& node) {
     if (const Instance* instance = qn::graph::CarriedInstance(node)) return instance->GetReference();
     return qn::graph::GeneratedReference(node);
