@@ -1,5 +1,5 @@
-#include "tests/product/nested_tape.h"
 #include "tests/product/product_support.h"
+#include "tests/support/nested_tape.h"
 
 // Structures that got only a part of their content, as from a damaged file.
 

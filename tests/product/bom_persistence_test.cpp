@@ -1,8 +1,8 @@
 #include "engine/stream/scene_file.h"
 #include "frame/host/meta.h"
-#include "tests/product/nested_tape.h"
 #include "tests/product/product_support.h"
 #include "tests/support/failing_stream.h"
+#include "tests/support/nested_tape.h"
 
 namespace qn::test {
 namespace {

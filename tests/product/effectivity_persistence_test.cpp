@@ -1,7 +1,7 @@
 #include "engine/stream/object_file.h"
 #include "product/effectivity_impl.h"
-#include "tests/product/nested_tape.h"
 #include "tests/support/failing_stream.h"
+#include "tests/support/nested_tape.h"
 #include "tests/support/recording_context.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "tests/product/nested_tape.h"
+#include "tests/support/nested_tape.h"
 
 #include <algorithm>
 #include <cstdint>
