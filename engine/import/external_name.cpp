@@ -20,15 +20,9 @@ bool HasControlCharacter(std::string_view name) {
 
 /// "/a", "//server/a", "C:a", "file:///a".
 bool IsAbsolute(std::string_view name) {
-    if (name.front() == '/') return true;
+    if (name.front() == '/' || name.front() == '\\') return true;
     if (name.size() > 1 && IsLetter(name[0]) && name[1] == ':') return true;
     return name.find("://") != std::string_view::npos;
-}
-
-NameFault FaultOf(std::string_view name) {
-    if (name.empty()) return NameFault::kEmpty;
-    if (name.size() > kLongestName || HasControlCharacter(name)) return NameFault::kUnusable;
-    return IsAbsolute(name) ? NameFault::kAbsolute : NameFault::kNone;
 }
 
 /// What exists of the path with links resolved, the rest joined to it.
@@ -55,6 +49,12 @@ std::string WithForwardSlashes(std::string_view name) {
     return text;
 }
 
+NameFault FaultOfText(std::string_view name) {
+    if (name.empty()) return NameFault::kEmpty;
+    if (name.size() > kLongestName || HasControlCharacter(name)) return NameFault::kUnusable;
+    return IsAbsolute(name) ? NameFault::kAbsolute : NameFault::kNone;
+}
+
 ExternalFolder::ExternalFolder(const std::string& namingFile, const std::vector<std::string>& allowed)
     : shown_(fs::path(namingFile).parent_path().string()) {
     folders_.push_back(Canonical(FolderOf(namingFile)).string());
@@ -68,7 +68,7 @@ ExternalFolder::ExternalFolder(const std::string& namingFile, const std::vector<
 ExternalPath ExternalFolder::Resolve(std::string_view name) const {
     const std::string portable = WithForwardSlashes(name);
     ExternalPath result;
-    result.fault = FaultOf(portable);
+    result.fault = FaultOfText(portable);
     if (result.fault != NameFault::kNone) return result;
     const fs::path target = Canonical(fs::path(folders_.front()) / portable);
     const bool lies = std::any_of(folders_.begin(), folders_.end(),

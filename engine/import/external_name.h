@@ -22,6 +22,9 @@ enum class NameFault {
     kOutside,   ///< leads out of the folders where files may lie, by ".." or by a link
 };
 
+/// What the text alone says: nothing is looked up.
+NameFault FaultOfText(std::string_view name);
+
 /// Where a name leads to.
 struct ExternalPath {
     NameFault fault = NameFault::kNone;

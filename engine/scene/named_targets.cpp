@@ -12,8 +12,14 @@ using graph::Instance;
 using graph::Reference;
 
 std::vector<Counted<Reference>> DefinitionsBelow(Reference& root) {
-    std::vector<Counted<Reference>> definitions{Counted<Reference>(&root)};
-    std::unordered_set<const Reference*> known{&root};
+    return DefinitionsBelow({Counted<Reference>(&root)});
+}
+
+std::vector<Counted<Reference>> DefinitionsBelow(std::vector<Counted<Reference>> roots) {
+    std::vector<Counted<Reference>> definitions = std::move(roots);
+    std::unordered_set<const Reference*> known;
+    for (const Counted<Reference>& root : definitions)
+        known.insert(root.Get());
     for (std::size_t at = 0; at < definitions.size(); ++at) {
         const Counted<Reference> definition = definitions[at];
         const int count = definition->GetChildCount();

@@ -26,5 +26,7 @@ private:
 
 /// All definitions below one, itself first, each once. Costs by definitions and uses.
 std::vector<Counted<graph::Reference>> DefinitionsBelow(graph::Reference& root);
+/// The same for several, which differ.
+std::vector<Counted<graph::Reference>> DefinitionsBelow(std::vector<Counted<graph::Reference>> roots);
 
 }  // namespace qn::k3
