@@ -1,5 +1,6 @@
 #include "tool/failure.h"
 #include "tool/named_files.h"
+#include "tool/similar_file.h"
 #include "tool/terminal.h"
 
 #include <charconv>
@@ -14,14 +15,16 @@ std::string Quoted(const Definition& definition) {
     return definition.name.empty() ? std::string("(no name)") : "\"" + Printable(definition.name) + "\"";
 }
 
-std::string MissingLine(const NamedFiles& files, const NamedFile& file) {
+std::string MissingLine(const NamedFiles& files, const NamedFile& file, SimilarFiles& similar) {
     const NamedFile& naming = files.files[file.namedBy];
     const FileNaming& first = naming.namings[file.naming];
     std::string text = "missing file \"" + Printable(first.name) + "\": named by definition " +
                        Quoted(naming.structure.definitions[first.definition]) + " in " +
                        Printable(naming.shown);
     if (file.otherNamings > 0) text += " and by " + std::to_string(file.otherNamings) + " more";
-    return text + ", looked for at " + Printable(file.shown);
+    text += ", looked for at " + Printable(file.shown);
+    const std::string other = similar.Find(file.shown);
+    return other.empty() ? text : text + "; there is " + Printable(other);
 }
 
 /// False if the text is neither a word for it nor a number.
@@ -37,9 +40,10 @@ bool ReadLevels(const std::string& text, std::uint32_t& levels) {
 
 std::string MissingText(const NamedFiles& files) {
     std::string text;
+    SimilarFiles similar;
     for (const NamedFile& file : files.files)
         if (file.state == FileState::kMissing)
-            text += (text.empty() ? "" : "\nassembly: ") + MissingLine(files, file);
+            text += (text.empty() ? "" : "\nassembly: ") + MissingLine(files, file, similar);
     return text;
 }
 

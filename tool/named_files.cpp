@@ -26,9 +26,11 @@ std::string NameOf(const Definition& definition) {
     return definition.name.empty() ? std::string("(no name)") : "\"" + Printable(definition.name) + "\"";
 }
 
+/// A name that no file can have, or that leads through a file, is that of nothing.
 bool IsMissing(const std::string& path) {
-    std::error_code ignored;
-    return std::filesystem::status(path, ignored).type() == std::filesystem::file_type::not_found;
+    std::error_code error;
+    const bool isFound = std::filesystem::status(path, error).type() != std::filesystem::file_type::not_found;
+    return !isFound || error == std::errc::filename_too_long || error == std::errc::not_a_directory;
 }
 
 std::string BsIdOf(const Definition& definition) {

@@ -91,6 +91,18 @@ TEST_F(Deps, OfALoneFileAreThatFile) {
     EXPECT_EQ(RunTool({"deps", File("part.qn")}).out, File("part.qn") + "\n");
 }
 
+TEST_F(Deps, AreMissingUnderNamesThatNoFileCanHave) {
+    Write("part.qn", {});
+    const std::string letters(300, 'n');
+    for (const std::string& name :
+         {letters, letters + "/b.qn", "x/" + letters, std::string("part.qn/b.qn")}) {
+        Write("top.qn", {{"part", name}});
+        const ToolRun run = RunTool({"deps", File("top.qn")});
+        EXPECT_EQ(run.exitCode, 5) << name << ": " << run.err;
+        EXPECT_NE(run.out.find(name + " (1 use) missing\n"), std::string::npos) << run.out;
+    }
+}
+
 /// So many files, each used a hundred times below one top.
 class ManyFiles : public Deps, public testing::WithParamInterface<int> {
 protected:
