@@ -165,7 +165,7 @@ void Create(const Options& options) {
     bom->SetScene(scene.Get());
     ExpectDone(bom->Initialize(qn::Var(qn::String::FromUtf8(options.name)), options.empty), options, "made");
     ForgetUnstoredIds(*bom);
-    SaveTo(path, *scene, session);
+    SaveChanged(path, options.load.file, *scene, session);
     WriteList(options, *scene);
 }
 
@@ -174,7 +174,7 @@ void Activate(const Options& options) {
     Session session(options.progress);
     const auto scene = session.Load(options.load);
     ExpectDone(FindBom(BomsOf(*scene), options.name, options.load.file).Activate(), options, "activated");
-    SaveTo(path, *scene, session);
+    SaveChanged(path, options.load.file, *scene, session);
     WriteList(options, *scene);
 }
 

@@ -1,7 +1,10 @@
+#include "engine/import/external_name.h"
+#include "graph/limits.h"
 #include "tool/export_gltf.h"
 #include "tool/failure.h"
 #include "tool/generate.h"
 #include "tool/merge_files.h"
+#include "tool/placeholder_nodes.h"
 #include "tool/progress_option.h"
 #include "tool/save_target.h"
 #include "tool/session.h"
@@ -33,9 +36,9 @@ constexpr const char* kExamples =
     "names\n\n"
     "Imports a file, builds its hierarchy and saves it as a scene file, or as glTF: .glb, or .gltf with a "
     ".bin\n"
-    "beside it. Files that its definitions name stay names, relative to the new file, unless --load asks for "
-    "their\n"
-    "content.";
+    "beside it. Files that its definitions name stay names, which lead from the new file to the same files, "
+    "unless\n"
+    "--load asks for their content.";
 
 constexpr const char* kSceneEnding = ".qn";
 
@@ -53,14 +56,29 @@ void CheckOutput(const Options& options) {
         throw Failure(ExitCode::kNotWritten, options.output + ": its folder does not exist");
 }
 
-/// The structure of all files that are asked for: what is wrong with one of them shows before any geometry is
-/// read.
-NamedFiles LookAhead(Session& session, const Options& options) {
+/// All files that are asked for.
+struct Whole {
+    NamedFiles files;
+    std::uint64_t occurrences = 0;
+};
+
+/// Nobody who takes in parts wants to lose one of them.
+void KeepParts(const NamedFiles& files, const std::string& output) {
+    const std::string path = qn::CanonicalPath(output);
+    for (std::uint32_t i = 1; i < files.files.size(); ++i)
+        if (files.files[i].state == FileState::kRead && files.files[i].path == path)
+            throw Failure(ExitCode::kUsage, output + ": is one of the files that come in (" +
+                                                files.ChainTo(i) + "); write to another one");
+}
+
+/// The structure alone: what is wrong with a file, or with the whole, shows before any geometry is read.
+Whole LookAhead(Session& session, const Options& options) {
     LoadRequest request = options.load;
     request.structureOnly = request.graphOnly = true;
-    NamedFiles files = ReadNamedFiles(session, request, options.follow);
-    JoinFiles(NamedFiles(files));  // fails where the whole would contain itself
-    return files;
+    Whole whole{ReadNamedFiles(session, request, options.follow)};
+    whole.occurrences = JoinFiles(NamedFiles(whole.files)).occurrences;
+    KeepParts(whole.files, options.output);
+    return whole;
 }
 
 void Write(qn::k3::Scene& scene, Session& session, const Options& options) {
@@ -73,24 +91,33 @@ void Write(qn::k3::Scene& scene, Session& session, const Options& options) {
     SaveTo(options.output, scene, session, save);
 }
 
-/// With the files of the assembly in it. Views that came along are bound to nodes, which have to be made for
-/// that.
-void MergeAll(Session& session, qn::k3::Scene& scene, const NamedFiles& files, const Options& options) {
-    MergeNamedFiles(session, scene, files, options.follow);
+/// With the files of the assembly in it: a scene that stores its nodes gets those of the files, too. Views
+/// that came along are bound to nodes, which have to be made for that.
+std::vector<KeptName> MergeAll(Session& session, qn::k3::Scene& scene, const Whole& whole,
+                               const Options& options) {
+    const PlaceholderNodes stored(scene);
+    if (!stored.IsEmpty() && whole.occurrences > static_cast<std::uint64_t>(qn::graph::kMaxOccurrences))
+        throw Failure(ExitCode::kLimit, options.load.file + ": has stored nodes, and the whole would have " +
+                                            std::to_string(whole.occurrences) + "; the limit is " +
+                                            std::to_string(qn::graph::kMaxOccurrences));
+    std::vector<KeptName> kept = MergeNamedFiles(session, scene, whole.files, options.follow);
+    stored.Fill(session, scene);
     if (scene.GetViewports()) GenerateNodes(scene, session.GetContext());
+    return kept;
 }
 
 void Run(const Options& options) {
     CheckOutput(options);
     Session session(options.progress);
     const bool follows = options.follow.levels > 0;
-    const NamedFiles files = follows ? LookAhead(session, options) : NamedFiles();
+    const Whole whole = follows ? LookAhead(session, options) : Whole();
     const bool isExport = IsGltfName(options.output) && !follows;
     const auto scene = isExport ? LoadForExport(session, options.load) : session.Load(options.load);
-    if (follows) MergeAll(session, *scene, files, options);
+    MoveNames(follows ? MergeAll(session, *scene, whole, options) : KeptNamesOf(*scene, options.load.file),
+              options.output);
     if (options.expand) GenerateNodes(*scene, session.GetContext());
     Write(*scene, session, options);
-    if (const std::string missing = MissingText(files); !missing.empty())
+    if (const std::string missing = MissingText(whole.files); !missing.empty())
         throw Failure(ExitCode::kFileMissing, missing);
 }
 

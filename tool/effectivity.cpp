@@ -144,7 +144,7 @@ void Add(const Options& options) {
     Session session(options.progress);
     const auto scene = session.Load(options.load);
     const AddedRanges added = AddRanges(*scene, session.GetContext(), options.ranges);
-    SaveTo(path, *scene, session);
+    SaveChanged(path, options.load.file, *scene, session);
     Output output;
     if (options.format == "json")
         output.Line(HolderJson(added.path, added.isUse, added.occurrences, added.ranges));

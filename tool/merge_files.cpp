@@ -108,6 +108,18 @@ public:
         }
     }
 
+    /// The names that are left.
+    std::vector<KeptName> Kept() const {
+        std::unordered_map<const Reference*, std::uint32_t> origins;
+        for (const Pending& pending : pending_)  // of several, the last one brought the present name
+            origins.insert_or_assign(pending.definition.Get(), pending.file);
+        std::vector<KeptName> names = KeptNamesOf(scene_, files_.files.front().shown);
+        for (KeptName& name : names)
+            if (const auto origin = origins.find(name.definition.Get()); origin != origins.end())
+                name.namingFile = files_.files[origin->second].shown;
+        return names;
+    }
+
 private:
     struct Pending {
         Counted<Reference> definition;
@@ -184,16 +196,17 @@ private:
 
 }  // namespace
 
-void MergeNamedFiles(Session& session, qn::k3::Scene& scene, const NamedFiles& files,
-                     const FollowRequest& follow) {
-    if (files.CountRead() == 0) return;
+std::vector<KeptName> MergeNamedFiles(Session& session, qn::k3::Scene& scene, const NamedFiles& files,
+                                      const FollowRequest& follow) {
+    if (files.CountRead() == 0) return KeptNamesOf(scene, files.files.front().shown);
     for (qn::k3::Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling())
-        if (!qn::hack::IsModelViewOrStepViewCameraNode(node) && (node->GetFirstChild() || !RootOf(*node)))
-            throw Failure(
-                ExitCode::kUsage,
-                files.files.front().shown +
-                    ": its nodes are stored; --load needs a file that stores its definitions alone");
-    Merger(session, scene, files, follow).Run();
+        if (!qn::hack::IsModelViewOrStepViewCameraNode(node) && !RootOf(*node))
+            throw Failure(ExitCode::kUsage, files.files.front().shown +
+                                                ": has nodes without definitions, into which --load brings "
+                                                "nothing");
+    Merger merger(session, scene, files, follow);
+    merger.Run();
+    return merger.Kept();
 }
 
 }  // namespace assembly::tool

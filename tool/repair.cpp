@@ -69,7 +69,7 @@ void Run(const Options& options) {
     const std::vector<Change> changes = RepairScene(*scene, session.GetContext());
     ExpectSound(*scene, options.load.file);
     if (options.target.inPlace && changes.empty()) path.clear();
-    if (!path.empty()) SaveTo(path, *scene, session);
+    if (!path.empty()) SaveChanged(path, options.load.file, *scene, session);
     Output output;
     options.format == "json" ? WriteJson(output, options, path, changes)
                              : WriteLines(output, options, changes);

@@ -104,7 +104,7 @@ Outcome RunOperation(Session& session, const Options& options, const Operation& 
     if (context.IsCancelled()) throw Failure(ExitCode::kCancelled, "run " + operation.name + ": cancelled");
     if (!failedBefore) outcome.failure = context.GetFailure();
     if (!IsDone(outcome) || target.empty()) return outcome;
-    SaveTo(target, *scene, session);
+    SaveChanged(target, arguments.sceneFile, *scene, session);
     outcome.saved = target;
     return outcome;
 }
@@ -178,7 +178,8 @@ void AddRun(CLI::App& app) {
     verb->add_option("-o,--output", options->output, "Scene file to write (.qn)");
     verb->add_flag("--in-place", options->inPlace, "Write the scene back to FILE (.qn)");
     verb->add_option("--seed", options->seed, "New ids come from this number, so that they repeat")
-        ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()));
+        ->check(CLI::Range(std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max()))
+        ->check(CLI::NonNegativeNumber);  // the range alone takes -1 for the largest number
     verb->add_option("--format", options->format, "table or json")->check(CLI::IsMember({"table", "json"}));
     verb->callback([options, verb] {
         if (options->words.empty() && !options->help) throw CLI::RequiredError("NAME");

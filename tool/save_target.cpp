@@ -1,6 +1,7 @@
 #include "tool/save_target.h"
 
 #include "tool/failure.h"
+#include "tool/kept_names.h"
 
 #include <filesystem>
 
@@ -25,6 +26,11 @@ std::string PathOf(const SaveTarget& target, const std::string& input) {
     if (path.has_parent_path() && !std::filesystem::is_directory(path.parent_path(), ignored))
         throw Failure(ExitCode::kNotWritten, path.string() + ": its folder does not exist");
     return path.string();
+}
+
+void SaveChanged(const std::string& path, const std::string& input, qn::k3::Scene& scene, Session& session) {
+    MoveNames(KeptNamesOf(scene, input), path);
+    SaveTo(path, scene, session);
 }
 
 void SaveTo(const std::string& path, qn::k3::Scene& scene, Session& session,

@@ -22,7 +22,11 @@ void AddSaveOptions(CLI::App& verb, SaveTarget& target);
 /// does not exist.
 std::string PathOf(const SaveTarget& target, const std::string& input);
 
-/// Writes the scene. Fails with kNotWritten, kLimit or kCancelled; an old file is then as it was.
+/// Writes the scene of the file `input`; names of other files lead where they led
+/// there. Fails as `SaveTo`, with kNotWritten also if no name leads there.
+void SaveChanged(const std::string& path, const std::string& input, qn::k3::Scene& scene, Session& session);
+
+/// Writes the scene as it is. Fails with kNotWritten, kLimit or kCancelled; an old file is then as it was.
 void SaveTo(const std::string& path, qn::k3::Scene& scene, Session& session,
             const qn::SceneSaveOptions& options = {});
 

@@ -170,16 +170,6 @@ TEST_F(ExternalFiles, ThatAreMissingStayNamesInAConvertedFile) {
     EXPECT_TRUE(Contains(shown.out, "D \"d.1\"\n")) << shown.out;
 }
 
-TEST_F(ExternalFiles, DoNotComeIntoAFileThatStoresItsNodes) {
-    Write("a.qn", "A", {{"b", "b.qn"}});
-    Write("b.qn", "B", {});
-    ASSERT_EQ(RunTool({"convert", "--expand", File("a.qn"), File("nodes.qn")}).exitCode, 0);
-    const ToolRun run = RunTool({"convert", "--load", "all", File("nodes.qn"), File("whole.qn")});
-    EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(Contains(run.err, "nodes are stored")) << run.err;
-    EXPECT_EQ(RunTool({"stats", "--load", "all", File("nodes.qn")}).exitCode, 0);
-}
-
 TEST_F(ExternalFiles, AreReadOnceHoweverOftenTheyAreNamed) {
     Write("a.qn", "A",
           {{"b", "b.qn"}, {"c", "c.qn"}, {"bolt", "x/bolt.qn"}, {"screw", "./x/../x/bolt.qn", 2}});
@@ -259,6 +249,16 @@ TEST_F(ExternalFiles, ThatAreMissingLeaveAPlaceholderAndTheRest) {
     EXPECT_EQ(stats.exitCode, 5);
     EXPECT_EQ(json::parse(stats.out)["files_missing"], 1);
     EXPECT_EQ(json::parse(stats.out)["occurrences"], 5);
+}
+
+TEST_F(ExternalFiles, ThatAreMissingMayBeThereUnderASimilarName) {
+    Write("a.qn", "A", {{"bolt", "parts\\LONG%20BOLT.QN"}});
+    Write("Parts/long bolt.qn", "bolt", {});
+    const ToolRun run = RunTool({"deps", File("a.qn")});
+    EXPECT_EQ(run.exitCode, 5);
+    EXPECT_TRUE(Contains(run.err, "looked for at " + File("parts/LONG%20BOLT.QN") + "; there is " +
+                                      File("Parts/long bolt.qn") + "\n"))
+        << run.err;
 }
 
 TEST_F(ExternalFiles, AreToldByStateInJson) {
