@@ -6,6 +6,7 @@
 #include "frame/host/layer.h"
 #include "frame/host/name_generator.h"
 #include "frame/host/scene_document.h"
+#include "graph/element_pool.h"
 #include "graph/instance.h"
 #include "graph/lookup_table.h"
 #include "graph/node_maps.h"
@@ -18,16 +19,12 @@
 #include <set>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace qn::graph {
 
 /// Elements by text. A null value counts as absent, but shows that the text was asked for.
 template <class T>
 using ElementIndex = TextIndex<Counted<T>>;
-/// Membership only, so unordered.
-template <class T>
-using ElementPool = std::unordered_set<Counted<T>>;
 /// Walked in address order.
 template <class T>
 using ElementSet = std::set<Counted<T>, CountedLess<T>>;

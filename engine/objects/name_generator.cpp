@@ -1,11 +1,21 @@
 #include "frame/host/name_generator.h"
 
+#include <charconv>
+#include <iterator>
+#include <limits>
+
 namespace qn::qfxml {
 
 std::wstring NameGenerator::GetNext(const std::wstring& family) {
-    const std::wstring prefix = GetCurrentPrefix();
-    const std::wstring number = std::to_wstring(++counters_[{prefix, family}]);
-    return prefix.empty() ? family + number : prefix + delimiter_ + family + number;
+    static const std::wstring kNoPrefix;
+    const std::wstring& prefix = prefixes_.empty() ? kNoPrefix : prefixes_.back();
+    auto counter = counters_.find(std::tie(prefix, family));
+    if (counter == counters_.end()) counter = counters_.try_emplace({prefix, family}).first;
+
+    char digits[std::numeric_limits<unsigned long long>::digits10 + 1];
+    char* const end = std::to_chars(digits, std::end(digits), ++counter->second).ptr;
+    std::wstring id = prefix.empty() ? family : prefix + delimiter_ + family;
+    return id.append(std::begin(digits), end);
 }
 
 void NameGenerator::PopPrefix() {

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -24,7 +25,16 @@ public:
 private:
     std::wstring delimiter_;
     std::vector<std::wstring> prefixes_;
-    std::map<std::pair<std::wstring, std::wstring>, unsigned long long> counters_;
+    /// Finds a pair without making one: ids come by the million.
+    struct PairLess {
+        using is_transparent = void;
+        template <class Left, class Right>
+        bool operator()(const Left& left, const Right& right) const {
+            return std::tie(std::get<0>(left), std::get<1>(left)) <
+                   std::tie(std::get<0>(right), std::get<1>(right));
+        }
+    };
+    std::map<std::pair<std::wstring, std::wstring>, unsigned long long, PairLess> counters_;
 };
 
 }  // namespace qn::qfxml
