@@ -1,4 +1,3 @@
-#include "engine/stream/scene_file.h"
 #include "frame/host/meta.h"
 #include "tests/product/product_support.h"
 #include "tests/support/failing_stream.h"
@@ -7,32 +6,10 @@
 namespace qn::test {
 namespace {
 
-using k3::Bom;
 using k3::BomHelper;
 using k3::BomImpl;
 using k3::Layer;
 using k3::Node;
-
-std::string Bytes(k3::Scene& scene) {
-    const auto context = MakeContext();
-    return SaveSceneToBytes(scene, *context);
-}
-
-/// The scene as a file gives it back; that saves as the same bytes.
-Counted<k3::Scene> Reloaded(k3::Scene& scene) {
-    const auto context = MakeContext();
-    const std::string bytes = Bytes(scene);
-    auto read = Make<k3::Scene>();
-    EXPECT_TRUE(LoadSceneFromBytes(bytes, L"test", *read, *context));
-    EXPECT_TRUE(context->Texts().empty());
-    EXPECT_TRUE(Bytes(*read) == bytes) << "saved again the bytes differ";
-    return read;
-}
-
-Bom* BomAt(k3::Scene& scene, int index) {
-    const VarArray* boms = BomHelper(&scene).GetBoms();
-    return boms ? Cast<Bom>(boms->Get(index).ToInterface()) : nullptr;
-}
 
 using BomFile = BomScene;
 
@@ -117,12 +94,12 @@ TEST_F(BomFile, HasTheSameBytesAfterSwitchingBackAndForth) {
     scene_->CreateLayer(L"l")->AddNode(b_);
     const auto design = AddBom(*scene_, L"design");
     const auto service = AddBom(*scene_, L"service");
-    const std::string before = Bytes(*scene_);
+    const std::string before = BytesOf(*scene_);
     for (int round = 0; round < 10; ++round) {
         service->Activate();
         design->Activate();
     }
-    EXPECT_TRUE(Bytes(*scene_) == before);
+    EXPECT_TRUE(BytesOf(*scene_) == before);
 }
 
 std::vector<std::string> Written(BomImpl& bom) {

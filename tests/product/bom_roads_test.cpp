@@ -12,24 +12,6 @@ using k3::BomHelper;
 using k3::BomImpl;
 using k3::Node;
 
-std::string Bytes(k3::Scene& scene) {
-    const auto context = MakeContext();
-    return SaveSceneToBytes(scene, *context);
-}
-
-Counted<k3::Scene> Reloaded(k3::Scene& scene) {
-    const auto context = MakeContext();
-    const std::string bytes = Bytes(scene);
-    auto read = Make<k3::Scene>();
-    EXPECT_TRUE(LoadSceneFromBytes(bytes, L"test", *read, *context));
-    EXPECT_TRUE(Bytes(*read) == bytes) << "saved again the bytes differ";
-    return read;
-}
-
-k3::Bom* BomAt(k3::Scene& scene, int index) {
-    return Cast<k3::Bom>(BomHelper(&scene).GetBoms()->Get(index).ToInterface());
-}
-
 /// A scene whose only node generates "car(chassis wheel(tyre) wheel(tyre))" when asked to.
 class BomOfACar : public testing::Test {
 protected:
@@ -75,7 +57,7 @@ TEST_F(BomOfACar, IsStoredWithItsNodesOnceTheyAreLinked) {
     AddBom(*scene_, L"design");
     AddBom(*scene_, L"service");
     const auto first = Make<k3::Scene>();
-    ASSERT_TRUE(LoadSceneFromBytes(Bytes(*scene_), L"test", *first, *context_));
+    ASSERT_TRUE(LoadSceneFromBytes(BytesOf(*scene_), L"test", *first, *context_));
     const auto read = Reloaded(*first);
     EXPECT_EQ(ShownBy(*read), kCar);
     EXPECT_EQ(NodesOf(*BomAt(*read, 1)), kCar);
@@ -121,12 +103,12 @@ TEST(BomRoad, AHundredSwitchesOfTenThousandNodesLeaveTheSameBytes) {
     const auto service = AddBom(*scene, L"service");
     service->Activate();
     design->Activate();
-    const std::string before = Bytes(*scene);
+    const std::string before = BytesOf(*scene);
     for (int round = 0; round < 50; ++round) {
         service->Activate();
         design->Activate();
     }
-    EXPECT_TRUE(Bytes(*scene) == before);
+    EXPECT_TRUE(BytesOf(*scene) == before);
 }
 
 TEST(BomRoad, TenThousandTopLevelNodesSwitchInTheirOrder) {

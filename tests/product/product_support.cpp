@@ -2,6 +2,7 @@
 
 #include "construction/hierarchy_factory_impl.h"
 #include "construction/hierarchy_generator_impl.h"
+#include "engine/stream/scene_file.h"
 #include "graph/instance_impl.h"
 #include "graph/lookup_table_impl.h"
 #include "graph/persistent_selector_impl.h"
@@ -53,6 +54,26 @@ std::string NodesOf(const k3::Bom& bom) {
         text += (text.empty() ? "" : " ") + (node ? TreeOf(*node) : "?");
     }
     return text;
+}
+
+std::string BytesOf(k3::Scene& scene) {
+    const auto context = MakeContext();
+    return SaveSceneToBytes(scene, *context);
+}
+
+Counted<k3::Scene> Reloaded(k3::Scene& scene) {
+    const auto context = MakeContext();
+    const std::string bytes = BytesOf(scene);
+    auto read = Make<k3::Scene>();
+    EXPECT_TRUE(LoadSceneFromBytes(bytes, L"test", *read, *context));
+    EXPECT_TRUE(context->Texts().empty());
+    EXPECT_TRUE(BytesOf(*read) == bytes) << "saved again the bytes differ";
+    return read;
+}
+
+k3::Bom* BomAt(k3::Scene& scene, int index) {
+    const VarArray* boms = k3::BomHelper(&scene).GetBoms();
+    return boms ? Cast<k3::Bom>(boms->Get(index).ToInterface()) : nullptr;
 }
 
 Counted<k3::BomImpl> AddBom(k3::Scene& scene, const wchar_t* name, bool empty) {

@@ -22,6 +22,13 @@ std::string ShownBy(const k3::Node& parent);
 /// The trees of the nodes that a structure lists.
 std::string NodesOf(const k3::Bom& bom);
 
+/// The scene as a file.
+std::string BytesOf(k3::Scene& scene);
+/// The scene as a file gives it back; that saves as the same bytes.
+Counted<k3::Scene> Reloaded(k3::Scene& scene);
+/// A structure of the scene, borrowed; null for an index of none.
+k3::Bom* BomAt(k3::Scene& scene, int index);
+
 /// A new structure of the scene, initialised.
 Counted<k3::BomImpl> AddBom(k3::Scene& scene, const wchar_t* name, bool empty = false);
 /// A viewport of that kind that looks through a new node of the scene which stops instancing, borrowed.
