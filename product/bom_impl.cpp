@@ -32,14 +32,17 @@ void AnnounceChange(Scene& scene) {
     scene.Notify(kBomEvent, Var(0));
 }
 
-/// The top-level nodes that belong to the structure which the scene shows: all but those that stop
-/// instancing, though the cameras of model and step views count.
-std::vector<Node*> TopLevelNodesOf(Scene& scene) {
-    std::vector<Node*> nodes;
-    for (Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling())
-        if (!(node->GetFlags() & NodeFlag::kStopsInstancing) || hack::IsModelViewOrStepViewCameraNode(node))
-            nodes.push_back(node);
-    return nodes;
+/// Whether a top-level node belongs to the structure which the scene shows: all but those that stop
+/// instancing do, and the cameras of model and step views.
+bool BelongsToStructure(Node* node) {
+    return !(node->GetFlags() & NodeFlag::kStopsInstancing) || hack::IsModelViewOrStepViewCameraNode(node);
+}
+
+/// The node as an owned entry of the list. Entries that are right already are left alone, for a switch back
+/// mostly finds the same nodes.
+void SetEntry(VarArray& nodes, int index, Node* node) {
+    const Var& entry = nodes.Get(index);
+    if (entry.IsWeak() || entry.ToInterface() != node) nodes.Set(index, Var(node));
 }
 
 /// Tells the host which node is worked on, unless that stops instancing.
@@ -118,9 +121,10 @@ Var BomImpl::GetNodes() const {
 
 ResultEnum BomImpl::Snapshot(Scene& scene, bool withViewports) {
     if (!nodes_) nodes_ = VarArray::Create();  // a damaged file may have left it out
-    nodes_->Clear();
-    for (Node* node : TopLevelNodesOf(scene))
-        nodes_->Add(Var(node));
+    int count = 0;
+    for (Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling())
+        if (BelongsToStructure(node)) SetEntry(*nodes_, count++, node);
+    nodes_->RemoveAt(count, nodes_->GetCount() - count);
     layers_ = Counted<InterfaceArray>(scene.GetLayers());
     if (withViewports) ClaimViewports(scene);
     CarryParameters(scene);
@@ -138,7 +142,10 @@ void BomImpl::ClaimViewports(Scene& scene) {
 }
 
 ResultEnum BomImpl::ClearScene(Scene& scene) {
-    for (Node* node : TopLevelNodesOf(scene))
+    std::vector<Node*> nodes;
+    for (Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling())
+        if (BelongsToStructure(node)) nodes.push_back(node);
+    for (Node* node : nodes)
         scene._RemoveChild(node, true);
     CarryParameters(scene);
     return ResultEnum::kSuccess;
@@ -169,7 +176,9 @@ void BomImpl::CarryParameters(Scene& scene) {
 }
 
 void BomImpl::LeaveScene(Scene& scene) {
-    for (const Counted<Node>& node : Nodes()) {
+    for (int i = 0; i < nodes_->GetCount(); ++i) {
+        const Counted<Node> node(NodeAt(i));
+        if (!node) continue;
         node->AttachTo(rootNode_.Get());
         node->Visit(kVisitFlags, &__RemoveFromGlobalList, reinterpret_cast<ParamWord>(&scene));
     }
@@ -177,17 +186,16 @@ void BomImpl::LeaveScene(Scene& scene) {
 
 void BomImpl::EnterScene(Scene& scene) {
     const bool argument = false;
-    for (const Counted<Node>& node : Nodes()) {
+    for (int i = 0; i < nodes_->GetCount(); ++i) {
+        const Counted<Node> node(NodeAt(i));
+        if (!node) continue;
         node->AttachTo(&scene);
         node->Visit(kVisitFlags, &__AddToGlobalList, reinterpret_cast<ParamWord>(&argument));
     }
 }
 
-std::vector<Counted<Node>> BomImpl::Nodes() const {
-    std::vector<Counted<Node>> nodes;
-    for (int i = 0; i < nodes_->GetCount(); ++i)
-        if (auto* node = Cast<Node>(nodes_->Get(i).ToInterface())) nodes.emplace_back(node);
-    return nodes;
+Node* BomImpl::NodeAt(int index) const {
+    return Cast<Node>(nodes_->Get(index).ToInterface());
 }
 
 ResultEnum BomImpl::CopyFrom(const Interface* source, unsigned flags) {

@@ -3,8 +3,6 @@
 #include "graph/node_list_owner.h"
 #include "product/bom.h"
 
-#include <vector>
-
 namespace qn::k3 {
 
 class Scene;
@@ -44,8 +42,9 @@ private:
     void ClaimViewports(Scene& scene);
     void LeaveScene(Scene& scene);
     void EnterScene(Scene& scene);
-    /// The nodes, so that the list may change meanwhile.
-    std::vector<Counted<Node>> Nodes() const;
+    /// The listed node, borrowed; null if the list, which a file may have brought, holds something else
+    /// there.
+    Node* NodeAt(int index) const;
 
     Counted<Node> rootNode_;
     Counted<InterfaceArray> layers_;

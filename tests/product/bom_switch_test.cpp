@@ -215,6 +215,18 @@ TEST_F(BomUpdate, RefillsTheSharedList) {
     EXPECT_EQ(nodes.size(), 3);
 }
 
+TEST_F(BomUpdate, PutsRightWhatOthersWroteIntoTheList) {
+    const Var list = design_->GetNodes();
+    VarArray& nodes = *list.ToArray();
+    k3::Node* const first = scene_->GetFirstChild();
+    nodes.Set(0, Var(first, 0));
+    nodes.Set(1, Var(L"text"));
+    nodes.Add(Var(first));
+    design_->Update();
+    EXPECT_EQ(NodesOf(*design_), "a(b c) d");
+    EXPECT_FALSE(nodes.Get(0).IsWeak());
+}
+
 TEST_F(BomUpdate, LeavesViewsAlone) {
     const k3::Viewport* viewport = AddCamera(*scene_, "model", ViewKind::kModel);
     design_->Update();
