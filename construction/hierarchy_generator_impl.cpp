@@ -6,7 +6,9 @@
 #include "frame/host/scene_document.h"
 #include "frame/host/stream.h"
 #include "graph/instance.h"
+#include "graph/limits.h"
 #include "graph/reference_impl.h"
+#include "graph/reference_registration.h"
 
 namespace qn::graph {
 
@@ -81,14 +83,14 @@ ResultEnum HierarchyGeneratorImpl::Save(Stream* stream, Context* context) {
 ResultEnum HierarchyGeneratorImpl::HandleChunk(int id, Stream* stream, Context* context) {
     if (id != kRootChunk) return HierarchyGenerator::HandleChunk(id, stream, context);
     const Counted<Interface> object = stream->ReadObject(context);
-    if (auto* const root = Cast<ReferenceImpl>(object.Get())) AdoptRoot(*root);
+    if (auto* const root = Cast<ReferenceImpl>(object.Get())) AdoptRoot(*root, context);
     return ResultEnum::kSuccess;
 }
 
-void HierarchyGeneratorImpl::AdoptRoot(Reference& root) {
+void HierarchyGeneratorImpl::AdoptRoot(ReferenceImpl& root, const Context* context) {
     selector_ = Selector();
     table_ = Make<HierarchyFactoryImpl>()->CreateLookupTable();
-    root.RegisterInTable(table_.Get());
+    if (table_) graph::RegisterInTable(root, table_.Get(), kMaxOccurrences, context);
     selector_.AppendPathElement(root.CreateInstanceWithId(String()).Get());
     dirty_ = true;
 }

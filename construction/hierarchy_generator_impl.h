@@ -45,7 +45,7 @@ public:
 
 private:
     void GenerateInto(k3::Node& node);
-    void AdoptRoot(Reference& root);
+    void AdoptRoot(ReferenceImpl& root, const Context* context);
 
     Selector selector_;
     Counted<LookupTable> table_;

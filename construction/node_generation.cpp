@@ -8,17 +8,27 @@
 #include "graph/reference.h"
 
 namespace qn::graph {
+namespace {
+
+/// Borrowed, or null.
+Context* ContextOf(const Selector& selector) {
+    const LookupTable* const table = selector.GetLookupTable();
+    return table ? table->GetContext() : nullptr;
+}
+
+}  // namespace
 
 Counted<Selector::Traverser> NodeGeneration::Run(const Selector& selector, Selector::Traverser* start) {
     const Counted<Instance> instance(selector.GetInstance());
     if (!start || !instance) return {};
+    const Counted<Context> context(ContextOf(selector));
     const int length = selector.GetPathElementCount();
     for (int index = 0; index < length; ++index)
         path_.push_back(selector.GetPathElement(static_cast<unsigned>(index)));
     Position result = Enter(selector, *instance, Position(start), {0, 0});
     while (!levels_.empty()) {
         Level& level = levels_.back();
-        if (level.next == level.count || budget_.IsExceeded()) {
+        if (level.next == level.count || budget_.IsExceeded() || (context && context->IsCancelled())) {
             LeaveLevel();
             continue;
         }
@@ -29,7 +39,7 @@ Counted<Selector::Traverser> NodeGeneration::Run(const Selector& selector, Selec
         path_.push_back(childInstance.Get());
         Enter(child, *childInstance, Position(level.node), outside);
     }
-    if (budget_.IsExceeded()) ReportLimit(selector);
+    if (budget_.IsExceeded() && context) ReportLimit(*context);
     return result;
 }
 
@@ -101,14 +111,11 @@ void NodeGeneration::Restore(Place place) {
     base_ = place.base;
 }
 
-void NodeGeneration::ReportLimit(const Selector& selector) const {
-    LookupTable* const table = selector.GetLookupTable();
-    if (Context* const context = table ? table->GetContext() : nullptr)
-        context->Fail(
-            LoadFailure::kLimit,
-            Translate("assembly", "The hierarchy has more than %1 occurrences. The rest is left out.",
-                      "XMSG: Error message", -1)
-                .Arg(budget_.GetLimit()));
+void NodeGeneration::ReportLimit(Context& context) const {
+    context.Fail(LoadFailure::kLimit,
+                 Translate("assembly", "The hierarchy has more than %1 occurrences. The rest is left out.",
+                           "XMSG: Error message", -1)
+                     .Arg(budget_.GetLimit()));
 }
 
 }  // namespace qn::graph

@@ -13,7 +13,8 @@ namespace qn::graph {
 
 /// One run from hierarchy to scene: a node for each occurrence below a selector, parents first, children in
 /// order. A definition within itself gets its node and no children. Past the limit the run stops, with what
-/// it made left as it is, and reports to the context of the selector's table.
+/// it made left as it is, and reports to the context of the selector's table. It stops, too, when that
+/// context is cancelled.
 class NodeGeneration {
 public:
     explicit NodeGeneration(std::int64_t limit = kMaxOccurrences) : budget_(limit) {}
@@ -46,7 +47,7 @@ private:
                     const String& file);
     void LeaveLevel();
     void Restore(Place place);
-    void ReportLimit(const Selector& selector) const;
+    void ReportLimit(Context& context) const;
 
     OccurrenceBudget budget_;
     MetInstances met_;

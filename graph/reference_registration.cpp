@@ -1,8 +1,10 @@
 #include "graph/reference_registration.h"
 
+#include "frame/host/context.h"
 #include "graph/instance_impl.h"
 #include "graph/limits.h"
 #include "graph/lookup_table_impl.h"
+#include "graph/occurrence_count.h"
 
 #include <unordered_set>
 
@@ -12,8 +14,12 @@ namespace qn::graph {
 /// use, with a stack of its own.
 class Registration {
 public:
-    Registration(LookupTable* table, std::int64_t mostUses)
-        : table_(table), impl_(Cast<LookupTableImpl>(table)), mostUses_(mostUses) {}
+    Registration(LookupTable* table, std::int64_t mostUses, bool isEachOnce, const Context* context)
+        : table_(table),
+          impl_(Cast<LookupTableImpl>(table)),
+          context_(context),
+          mostUses_(mostUses),
+          isEachOnce_(isEachOnce) {}
 
     Reference* Run(ReferenceImpl& root) {
         Reference* survivor = Enter(root);
@@ -36,10 +42,12 @@ private:
 
     LookupTable* table_;
     LookupTableImpl* impl_;
+    const Context* context_;
     std::vector<Frame> stack_;
-    std::unordered_set<ReferenceImpl*> descent_;
+    std::unordered_set<ReferenceImpl*> descent_;  // with `isEachOnce_`: all that were entered
     std::int64_t mostUses_;
     std::int64_t uses_ = 0;
+    bool isEachOnce_;
 };
 
 /// The reference that stands for this one; its children follow if that is itself.
@@ -84,8 +92,8 @@ Reference* Registration::Merge(ReferenceImpl& reference, const Var& bsId) {
 void Registration::Step() {
     Frame& frame = stack_.back();
     Instance* child = frame.reference->PeekChild(frame.next++);
-    if (!child || ++uses_ > mostUses_) {
-        descent_.erase(frame.reference.Get());
+    if (!child || ++uses_ > mostUses_ || (context_ && context_->IsCancelled())) {
+        if (!isEachOnce_) descent_.erase(frame.reference.Get());
         stack_.pop_back();
         return;
     }
@@ -112,12 +120,14 @@ void Registration::MoveInstances(const Reference& from, Reference* to) {
     }
 }
 
-Reference* RegisterInTable(ReferenceImpl& root, LookupTable* table, std::int64_t mostUses) {
-    return Registration(table, mostUses).Run(root);
+Reference* RegisterInTable(ReferenceImpl& root, LookupTable* table, std::int64_t mostUses,
+                           const Context* context) {
+    const bool isEachOnce = CountOccurrences(root, mostUses) > mostUses;
+    return Registration(table, mostUses, isEachOnce, context).Run(root);
 }
 
 Reference* ReferenceImpl::RegisterInTable(LookupTable* table) {
-    return table ? graph::RegisterInTable(*this, table, kMaxOccurrences) : nullptr;
+    return table ? graph::RegisterInTable(*this, table, kMaxOccurrences, nullptr) : nullptr;
 }
 
 }  // namespace qn::graph

@@ -7,8 +7,10 @@
 
 namespace qn::graph {
 
-/// As `Reference::RegisterInTable`, but ends when `mostUses` uses were met, each counted as often as it
-/// occurs. Expects a table.
-Reference* RegisterInTable(ReferenceImpl& root, LookupTable* table, std::int64_t mostUses);
+/// As `Reference::RegisterInTable`. Where more than `mostUses` uses occur, each definition is entered once,
+/// and all ends when that many were met. Ends early, too, when the context (may be null) is cancelled.
+/// Expects a table.
+Reference* RegisterInTable(ReferenceImpl& root, LookupTable* table, std::int64_t mostUses,
+                           const Context* context = nullptr);
 
 }  // namespace qn::graph

@@ -7,7 +7,9 @@
 #include "frame/host/generator.h"
 #include "frame/host/params.h"
 #include "graph/instance.h"
+#include "graph/limits.h"
 #include "graph/node_content.h"
+#include "graph/occurrence_count.h"
 #include "graph/reference.h"
 
 namespace qn::k3 {
@@ -73,12 +75,29 @@ bool AwaitsGeneration(const Node& node) {
            HasUsableGenerator(node);
 }
 
+namespace {
+
+/// A hierarchy that is too large is refused before the first of its nodes is made.
+bool IsWithinLimit(const Node& node, Context& context) {
+    const Generator* generator = Generator::Get(&node);
+    const auto* root = Cast<graph::Reference>(generator->GetGeneratedRoot());
+    constexpr std::int64_t kMost = graph::kMaxOccurrences;
+    if (!root || graph::CountOccurrences(*root, kMost) < kMost) return true;
+    context.Fail(
+        LoadFailure::kLimit,
+        String(L"the hierarchy has more than %1 occurrences, and a node is wanted for each").Arg(kMost));
+    return false;
+}
+
+}  // namespace
+
 bool GenerateChildren(Node& node, Context* context) {
     const Counted<Generator> generator(Generator::Get(&node));
     const NamedTargetsAside aside(node);
     const bool failedBefore = context && context->GetFailure() != LoadFailure::kNone;
     if (!Succeeded(generator->Generate(&node, context))) return false;
     if (context && !failedBefore && context->GetFailure() != LoadFailure::kNone) return false;
+    if (context && context->IsCancelled()) return false;
     MarkGenerated(node);
     return true;
 }
@@ -88,7 +107,7 @@ int GenerateMissing(Scene& scene, Context* context) {
     scene.BeginUpdate();
     for (Counted<Node> node(&scene); node; node = Counted<Node>(NextInSubtree(node.Get(), &scene))) {
         if (!AwaitsGeneration(*node)) continue;
-        if (!GenerateChildren(*node, context)) {
+        if ((context && !IsWithinLimit(*node, *context)) || !GenerateChildren(*node, context)) {
             generated = -1;
             break;
         }

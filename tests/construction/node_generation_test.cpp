@@ -266,5 +266,16 @@ TEST(NodeGeneration, StopsAtTheLimitWithoutAContext) {
     EXPECT_EQ(ShownBelow(*top), "car(wheel)");
 }
 
+TEST(NodeGeneration, StopsWhenTheContextIsCancelled) {
+    const auto car = AssemblyBuilder("car").Child("wheel", 5).Build();
+    const auto context = MakeContext();
+    car.Table()->SetSceneAndContext(nullptr, context.Get());
+    const auto top = Make<FakeTraverser>();
+    context->Cancel();
+    NodeGeneration().Run(car.Path({"car"}), top.Get());
+    EXPECT_EQ(ShownBelow(*top), "car");
+    EXPECT_EQ(context->GetFailure(), LoadFailure::kNone);
+}
+
 }  // namespace
 }  // namespace qn::test

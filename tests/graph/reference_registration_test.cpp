@@ -1,6 +1,8 @@
 #include "graph/reference_registration.h"
 #include "frame/host/object3d.h"
+#include "graph/limits.h"
 #include "tests/graph/graph_support.h"
+#include "tests/support/recording_context.h"
 
 namespace qn::test {
 
@@ -223,6 +225,29 @@ TEST_F(Registering, CountsTheUsesOfASharedDefinitionAsOftenAsTheyOccur) {
     EXPECT_EQ(LocalId(*wheel->GetChild(0)), Var(L"n2"));
     RegisterInTable(*car, Make<LookupTableImpl>().Get(), 4);
     EXPECT_EQ(LocalId(*wheel->GetChild(0)), Var(L"n4"));
+}
+
+TEST_F(Registering, EntersEachDefinitionOnceWhereMoreOccurThanTheLimit) {
+    constexpr int kLevels = 40, kUses = 3;
+    std::vector<Counted<ReferenceImpl>> levels{car};
+    for (int level = 0; level < kLevels; ++level) {
+        levels.push_back(MakeReference());
+        for (int use = 0; use < kUses; ++use)
+            levels[level]->AddChild(MakeInstance(levels[level + 1].Get()).Get());
+    }
+    EXPECT_EQ(RegisterInTable(*car, table.Get(), kMaxOccurrences), car.Get());
+    EXPECT_EQ(table->instances.size(), static_cast<std::size_t>(kLevels * kUses));
+    for (const auto& level : levels)
+        EXPECT_EQ(table->FindReferenceById(LocalId(*level).ToText()), level.Get());
+}
+
+TEST_F(Registering, EndsWhenTheContextIsCancelled) {
+    const auto context = MakeContext();
+    const auto use = MakeInstance(MakeReference().Get());
+    car->AddChild(use.Get());
+    context->Cancel();
+    EXPECT_EQ(RegisterInTable(*car, table.Get(), kMaxOccurrences, context.Get()), car.Get());
+    EXPECT_TRUE(LocalId(*use).IsEmpty());
 }
 
 }  // namespace qn::test

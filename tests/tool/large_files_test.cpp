@@ -126,5 +126,53 @@ TEST_F(LargeFiles, MoreOccurrencesThan64BitsCountAreRefused) {
     EXPECT_NE(run.err.find("more occurrences than can be counted"), std::string::npos) << run.err;
 }
 
+/// Twelve levels of ten: a file of a few thousand bytes that means a million million occurrences.
+AssemblyShape BeyondTheLimit() {
+    AssemblyShape shape;
+    for (int level = 0; level < 12; ++level)
+        shape.definitions.push_back({"level " + std::to_string(level), std::vector<int>(10, level + 1)});
+    shape.definitions.push_back({"part", {}});
+    return shape;
+}
+
+class BeyondTheLimitOfOccurrences : public LargeFiles {
+protected:
+    const std::string file_ = Keep("large.qn", SceneBytes(BeyondTheLimit()));
+    const std::string out_ = folder_.File("out.qn");
+    void ExpectDone(const std::vector<std::string>& call) {
+        const ToolRun run = RunTool(call);
+        EXPECT_EQ(run.exitCode, 0) << call[0] << " " << call[1] << ": " << run.err;
+    }
+    void ExpectLimit(const std::vector<std::string>& call) {
+        std::filesystem::remove(out_);
+        const ToolRun run = RunTool(call);
+        EXPECT_EQ(run.exitCode, 7) << call[0] << " " << call[1] << ": " << run.err;
+        EXPECT_NE(run.err.find("20000000"), std::string::npos) << run.err;
+        EXPECT_FALSE(std::filesystem::exists(out_));
+    }
+};
+
+TEST_F(BeyondTheLimitOfOccurrences, WhatGoesByUsesIsDone) {
+    ExpectDone({"convert", file_, out_});
+    ExpectDone({"bom", "create", "first", file_, "-o", out_});
+    ExpectDone({"bom", "create", "second", "--empty", out_, "--in-place"});
+    ExpectDone({"bom", "activate", "second", out_, "--in-place"});
+    ExpectDone({"bom", "show", "first", "--depth", "2", out_});
+    ExpectDone(
+        {"effectivity", "add", file_, "--occurrence", "level 0/level 1[2]", "--lines", "1", "-o", out_});
+    ExpectDone({"check", out_});
+    ExpectDone({"repair", out_, "--in-place"});
+}
+
+TEST_F(BeyondTheLimitOfOccurrences, WhatWantsANodeForEachIsRefusedBeforeOneIsMade) {
+    ExpectLimit({"convert", "--expand", file_, out_});
+    ExpectLimit({"run", "validate_scene_hierarchy", file_, "-o", out_});
+    ExpectLimit({"effectivity", "add", file_, "--only-here", "--occurrence", "level 0/level 1[2]", "--lines",
+                 "1", "-o", out_});
+    const std::string first = folder_.File("first.qn");
+    ExpectDone({"bom", "create", "first", file_, "-o", first});
+    ExpectLimit({"bom", "create", "second", first, "-o", out_});
+}
+
 }  // namespace
 }  // namespace assembly::tests
