@@ -103,13 +103,20 @@ void GraphBuilder::AddNode(std::uint32_t index, Reference& parent) {
         use->SetProperty(Prop::kLocalMatrix, Var(place));
     if (node.extras != kNone) use->SetProperty(Prop::kMetadata, MetadataOf(model_.ExtrasAt(node.extras)));
     if (isPlain) return;
-    if (node.camera != kNone) views_.push_back({own, node.camera});
+    if (node.camera != kNone) AddView(*own, node.camera, index);
     if (node.copies != kNone)
         AddCopies(node, index, definition);
     else if (node.mesh != kNone)
         shown_.push_back({own, node.mesh});
     if (node.childCount > 0)
         levels_.push_back({node.firstChild, node.firstChild + node.childCount, &definition});
+}
+
+/// Each viewport is saved with the camera's name, however many have it.
+void GraphBuilder::AddView(Reference& definition, std::uint32_t camera, std::uint32_t node) {
+    const std::uint64_t letters = model_.cameras[camera].name.length;
+    store_.GetAllowance().Take(letters * sizeof(wchar_t), PointerTo("nodes", node) + "/camera");
+    views_.push_back({Counted<Reference>(&definition), camera});
 }
 
 std::vector<Matrix4<double>> GraphBuilder::PlacesOfCopies(const Copies& copies, const std::string& pointer) {

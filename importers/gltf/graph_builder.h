@@ -55,6 +55,7 @@ public:
 private:
     bool BuildFromNodes(const String& fileName);
     void AddNode(std::uint32_t index, graph::Reference& parent);
+    void AddView(graph::Reference& definition, std::uint32_t camera, std::uint32_t node);
     /// One matrix for each copy.
     std::vector<Matrix4<double>> PlacesOfCopies(const Copies& copies, const std::string& pointer);
     void AddCopies(const Node& node, std::uint32_t index, graph::Reference& parent);

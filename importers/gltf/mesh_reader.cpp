@@ -47,7 +47,7 @@ public:
                    "expected three corners for each triangle, found " + std::to_string(corners.size()));
         CheckSize(indices_.size() + corners.size(), place);
         const auto first = static_cast<std::uint32_t>(indices_.size());
-        indices_.reserve(indices_.size() + corners.size());
+        if (indices_.empty()) indices_.reserve(corners.size());  // later ones let it grow in proportion
         for (const std::uint32_t corner : corners) {
             if (corner >= vertices.count)
                 FailAt(place + "/indices", "expected indices below " + std::to_string(vertices.count) +
@@ -63,6 +63,7 @@ public:
         for (float& length : positions_)
             length = static_cast<float>(length * scale_);
         if (!hasAllNormals_) normals_.clear();
+        indices_.shrink_to_fit();
         return mesh.SetGeometry(std::move(positions_), std::move(normals_), std::move(indices_),
                                 std::move(groups_));
     }

@@ -9,6 +9,7 @@
 #include "frame/host/scene.h"
 #include "graph/instance.h"
 #include "graph/reference.h"
+#include "importers/gltf/gltf_limits.h"
 #include "importers/gltf/gltf_metadata.h"
 #include "tests/importers/gltf_text.h"
 #include "tests/support/recording_context.h"
@@ -108,7 +109,7 @@ TEST_F(GltfImport, StandsItsRootsInAContainerOfTheFilesName) {
     EXPECT_EQ(NameOf(*root), "test");
     const Var metadata = root->GetProperty(Prop::kMetadata, 0);
     EXPECT_TRUE(metadata.Lookup(kFileGroup)->Lookup(kFileContainer)->ToBool());
-    EXPECT_EQ(metadata.Lookup(kFileGroup)->Lookup(kUpAxis)->ToText(), String(L"Y"));
+    EXPECT_EQ(metadata.Lookup(kFileGroup)->Lookup(kFileUpAxis)->ToText(), String(L"Y"));
 }
 
 TEST_F(GltfImport, MakesNothingOfAFileWithoutNodes) {
@@ -259,6 +260,57 @@ TEST_F(GltfImport, MakesAViewportOfEachCameraThatANodeCarries) {
     k3::GenerateMissing(*scene_, context_.Get());
     ASSERT_TRUE(viewport->GetViewNode());
     EXPECT_EQ(viewport->GetViewNode()->GetName(), String(L"eye"));
+}
+
+TEST_F(GltfImport, SharesTheNameOfACameraBetweenItsViewports) {
+    ASSERT_TRUE(LoadMembers(R"("cameras":[{"name":"front"}],"nodes":[{"camera":0},{"camera":0}])"));
+    const InterfaceArray* viewports = scene_->GetViewports();
+    ASSERT_EQ(viewports->GetCount(), 2);
+    EXPECT_EQ(Cast<k3::Viewport>(viewports->Get(0))->GetName().c_str(),
+              Cast<k3::Viewport>(viewports->Get(1))->GetName().c_str());
+}
+
+TEST_F(GltfImport, CountsTheNameOfACameraForEachViewport) {
+    const std::string name(1'000'000, 'n');
+    std::string nodes;
+    for (int i = 0; i < 200; ++i)
+        nodes += R"(,{"camera":0})";
+    EXPECT_FALSE(LoadMembers(R"("cameras":[{"name":")" + name + R"("}],"nodes":[)" + nodes.substr(1) + "]"));
+    EXPECT_EQ(context_->GetFailure(), LoadFailure::kLimit);
+    EXPECT_NE(Error().find("/camera: expected content"), std::string::npos) << Error();
+}
+
+/// One node with so many copies, of whose places no byte is there.
+std::string CopiesWithoutBytes(int count, const char* view = "") {
+    return R"("accessors":[{"componentType":5126,"type":"VEC3","count":)" + std::to_string(count) + view +
+           R"(}],"meshes":[{"primitives":[]}],"nodes":[{"mesh":0,"extensions":)"
+           R"({"EXT_mesh_gpu_instancing":{"attributes":{"TRANSLATION":0}}}}])";
+}
+
+TEST_F(GltfImport, CountsTheMemoryOfCopiesBeforeTheyAreMade) {
+    EXPECT_FALSE(LoadMembers(CopiesWithoutBytes(200'000)));
+    EXPECT_EQ(context_->GetFailure(), LoadFailure::kLimit);
+    EXPECT_EQ(Error().substr(0, 42), "/nodes/0: expected content that takes at m");
+}
+
+TEST_F(GltfImport, CountsCopiesWhoseBytesAreMissingAsUnbacked) {
+    ReadStructureOnly();
+    const std::string buffer =
+        R"("buffers":[{"uri":"gone.bin","byteLength":36}],"bufferViews":[{"buffer":0,"byteLength":36}],)";
+    EXPECT_TRUE(LoadMembers(buffer + CopiesWithoutBytes(3, R"(,"bufferView":0)"))) << Error();
+    EXPECT_FALSE(LoadMembers(buffer + CopiesWithoutBytes(250'001, R"(,"bufferView":0)")));
+    EXPECT_EQ(context_->GetFailure(), LoadFailure::kLimit);
+}
+
+TEST_F(GltfImport, RefusesTablesOfNobodyThatAreNestedTooDeeply) {
+    const auto nested = [](int levels) {
+        return R"("extras":{"assembly":)" + std::string(levels, '[') + std::string(levels, ']') +
+               R"(},"nodes":[{}])";
+    };
+    EXPECT_TRUE(LoadMembers(nested(gltf_limits::kDeepestExtras - 1))) << Error();
+    EXPECT_FALSE(LoadMembers(nested(gltf_limits::kDeepestExtras)));
+    EXPECT_EQ(context_->GetFailure(), LoadFailure::kLimit);
+    EXPECT_EQ(Error(), "/extras: values are nested deeper than 64 levels");
 }
 
 TEST_F(GltfImport, ReadsNoBufferForTheStructureAlone) {

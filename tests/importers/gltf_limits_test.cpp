@@ -59,8 +59,8 @@ TEST(GltfAllowance, IsTheFreePartAndAShareOfTheFile) {
     } catch (const GltfError& error) {
         EXPECT_EQ(error.Kind(), LoadFailure::kLimit);
         EXPECT_STREQ(error.what(),
-                     "/c: expected content that takes at most 134220288 bytes of memory for a file of 10 "
-                     "bytes, with this it is 134220289");
+                     "/c: expected content that takes at most 67113984 bytes of memory for a file of 10 "
+                     "bytes, with this it is 67113985");
     }
 }
 
@@ -91,12 +91,12 @@ TEST(GltfAllowance, NamesThePlaceThatAsksForTooMuch) {
 TEST(GltfAllowance, CountsElementsWithoutBytesOfAllAccessorsTogether) {
     const auto read =
         ReadMesh(GltfText(R"("accessors":[{"componentType":5126,"count":3,"type":"VEC3"},)"
-                          R"({"componentType":5126,"count":999998,"type":"VEC3"}],"meshes":[{"primitives":[)"
+                          R"({"componentType":5126,"count":249998,"type":"VEC3"}],"meshes":[{"primitives":[)"
                           R"({"attributes":{"POSITION":0}},{"attributes":{"POSITION":1}}]}])"));
     EXPECT_EQ(read.kind, LoadFailure::kLimit);
     EXPECT_EQ(read.error,
-              "/accessors/1/count: expected at most 1000000 elements in the whole file that none of its "
-              "bytes stand for, with this it is 1000001");
+              "/accessors/1/count: expected at most 250000 elements in the whole file that none of its "
+              "bytes stand for, with this it is 250001");
 }
 
 /// A view of those bytes, packed.
