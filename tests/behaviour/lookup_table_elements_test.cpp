@@ -35,7 +35,7 @@ TEST(LookupTableElements, KnowTheirTableAndId) {
     const auto made = s.table->GetOrCreateReference(L"wheel");
     EXPECT_EQ(made->GetLookupTable(), s.table.Get());
     EXPECT_EQ(made->GetProperty(Prop::kLocalId, 0), Var(L"wheel"));
-    EXPECT_TRUE(s.Fields().references.contains(made));
+    EXPECT_TRUE(s.Fields().references.count(made));
     EXPECT_TRUE(BsId(*made).IsEmpty());
 }
 
@@ -76,7 +76,7 @@ TEST(LookupTableElements, OfAServerIdAreMadeWithBothIds) {
     EXPECT_EQ(made->GetLookupTable(), s.table.Get());
     EXPECT_EQ(s.table->FindReferenceByBsId(L"s1:wheel").Get(), made.Get());
     EXPECT_EQ(s.table->FindReferenceById(L"wheel").Get(), made.Get());
-    EXPECT_TRUE(s.Fields().references.contains(made));
+    EXPECT_TRUE(s.Fields().references.count(made));
 }
 
 TEST(LookupTableElements, OfAServerIdWithoutIdGetAGeneratedOne) {
@@ -134,7 +134,7 @@ TEST(LookupTableElements, MadeFromAnotherAreAlwaysNew) {
     EXPECT_NE(copy.Get(), source.Get());
     EXPECT_EQ(IdOf(copy.Get()), L"e1");
     EXPECT_EQ(s.table->FindReferenceById(L"e1").Get(), copy.Get());
-    EXPECT_TRUE(s.Fields().references.contains(copy));
+    EXPECT_TRUE(s.Fields().references.count(copy));
 }
 
 TEST(LookupTableElements, MadeFromAnotherTakeItsIdAway) {
@@ -144,7 +144,7 @@ TEST(LookupTableElements, MadeFromAnotherTakeItsIdAway) {
     EXPECT_EQ(s.table->FindReferenceById(L"wheel").Get(), copy.Get());
     EXPECT_EQ(IdOf(source.Get()), L"wheel");
     EXPECT_EQ(IdOf(copy.Get()), L"wheel");
-    EXPECT_TRUE(s.Fields().references.contains(source)) << "it has lost its place in the index alone";
+    EXPECT_TRUE(s.Fields().references.count(source)) << "it has lost its place in the index alone";
 }
 
 TEST(LookupTableElements, MadeFromAnotherCopyTargetAndPropertiesButNotWhatIsItsOwn) {

@@ -59,13 +59,13 @@ bool Has(const Index& index, const Var& key, const Counted<Element>& element) {
 
 Traces TracesOf(const TableScene& s, const Case& row, const Counted<Instance>& element) {
     const auto& fields = s.Fields();
-    return {fields.instances.contains(element), Has(fields.instancesById, row.id, element),
+    return {fields.instances.count(element) != 0, Has(fields.instancesById, row.id, element),
             Has(fields.instancesByBsId, row.bsId, element)};
 }
 
 Traces TracesOf(const TableScene& s, const Case& row, const Counted<Reference>& element) {
     const auto& fields = s.Fields();
-    return {fields.references.contains(element), Has(fields.referencesById, row.id, element),
+    return {fields.references.count(element) != 0, Has(fields.referencesById, row.id, element),
             Has(fields.referencesByBsId, row.bsId, element)};
 }
 
@@ -137,7 +137,7 @@ TEST(LookupTableRegistration, OverwritesAKnownIdAndKeepsTheFormerInTheSet) {
     s.table->RegisterInstanceWithBsId(second.Get());
     EXPECT_EQ(s.table->FindInstanceById(L"a").Get(), second.Get());
     EXPECT_EQ(s.table->FindInstanceByBsId(L"b").Get(), second.Get());
-    EXPECT_TRUE(s.Fields().instances.contains(first));
+    EXPECT_TRUE(s.Fields().instances.count(first));
 
     const auto third = WithIds(NewReference(), Var(L"a"), Var(L"b"));
     const auto fourth = WithIds(NewReference(), Var(L"a"), Var(L"b"));
@@ -145,7 +145,7 @@ TEST(LookupTableRegistration, OverwritesAKnownIdAndKeepsTheFormerInTheSet) {
     s.table->RegisterReferenceWithBsId(fourth.Get());
     EXPECT_EQ(s.table->FindReferenceById(L"a").Get(), fourth.Get());
     EXPECT_EQ(s.table->FindReferenceByBsId(L"b").Get(), fourth.Get());
-    EXPECT_TRUE(s.Fields().references.contains(third));
+    EXPECT_TRUE(s.Fields().references.count(third));
 }
 
 TEST(LookupTableRegistration, OfAnInstanceWithoutIdMakesItAPathStartThatNoIdFinds) {

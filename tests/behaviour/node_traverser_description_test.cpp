@@ -36,7 +36,7 @@ TEST(NodeTraverserDescription, MakesAnInstanceOfAReferenceInTheTable) {
     ASSERT_TRUE(made);
     ASSERT_TRUE(made->GetReference());
     EXPECT_EQ(made->GetLookupTable(), d.table.Get());
-    EXPECT_TRUE(d.Fields().instances.contains(made));
+    EXPECT_TRUE(d.Fields().instances.count(made));
     EXPECT_EQ(d.table->FindInstanceById(IdOf(made.Get())).Get(), made.Get());
     EXPECT_EQ(IdOf(made->GetReference()), L"e1");
 }

@@ -26,7 +26,7 @@ TEST(NodeTraverserFreshInstance, GetsIdsFromTheTable) {
     EXPECT_EQ(IdOf(made->GetReference()), L"e1");
     EXPECT_EQ(f.table->FindInstanceById(L"n1").Get(), made.Get());
     EXPECT_EQ(f.table->FindReferenceById(L"e1").Get(), made->GetReference());
-    EXPECT_TRUE(f.Fields().instances.contains(made));
+    EXPECT_TRUE(f.Fields().instances.count(made));
 }
 
 TEST(NodeTraverserFreshInstance, IsNotKeptOnTheNodeIfThereIsATable) {

@@ -33,7 +33,7 @@ TEST(NodeTraverserKnownInstance, GetsIdsWithItsReference) {
     EXPECT_EQ(IdOf(k.reference.Get()), L"e1");
     EXPECT_EQ(k.table->FindInstanceById(L"n1").Get(), k.instance.Get());
     EXPECT_EQ(k.table->FindReferenceById(L"e1").Get(), k.reference.Get());
-    EXPECT_TRUE(k.Fields().instances.contains(k.instance));
+    EXPECT_TRUE(k.Fields().instances.count(k.instance));
 }
 
 TEST(NodeTraverserKnownInstance, GetsNoIdsWithoutTable) {
@@ -163,7 +163,7 @@ TEST(NodeTraverserKnownInstance, GetsNoIdWhereOnlyItsReferenceWasFound) {
     k.NameReference(L"s1:part");
     k.InstanceOf(k.Below());
     EXPECT_TRUE(k.instance->GetProperty(Prop::kLocalId, 0).IsEmpty());
-    EXPECT_FALSE(k.Fields().instances.contains(k.instance));
+    EXPECT_FALSE(k.Fields().instances.count(k.instance));
 }
 
 TEST(NodeTraverserKnownInstance, FillsALeafOfItsReferencesServerId) {
