@@ -5,6 +5,7 @@
 #include "importers/gltf/gltf_limits.h"
 #include "importers/step/step_limits.h"
 #include "tool/named_files.h"
+#include "tool/parts_options.h"
 #include "tool/terminal.h"
 #include "tool/verbs.h"
 
@@ -36,6 +37,7 @@ struct Limit {
 constexpr Limit kLimits[] = {
     {"occurrences", static_cast<std::uint64_t>(qn::graph::kMaxOccurrences),
      "nodes that one generation makes"},
+    {"parts_kept_lines", PartsOptions::kMostKeptLines, "lines of a parts list that are sorted or grouped"},
     {"file_levels", named_file_limits::kMostLevels, "levels of files that name files"},
     {"files", named_file_limits::kMostFiles, "files that one assembly is made of"},
     {"scene_file_bytes", scene::kLargestFile, "size of a scene file"},

@@ -1,10 +1,12 @@
 #include "tool/failure.h"
 #include "tool/help.h"
+#include "tool/terminal.h"
 #include "tool/verbs.h"
 #include "tool/version.h"
 
 #include <locale.h>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <string>
@@ -32,6 +34,27 @@ int Report(ExitCode code, const char* text) {
     std::fflush(stdout);
     std::fprintf(stderr, "assembly: %s\n", text);
     return ToInt(code);
+}
+
+/// Findings and success mean little to someone who did not get them.
+int WithOutput(int code) {
+    const int error = assembly::tool::OutputError();
+    if (error == 0 || code > ToInt(ExitCode::kFindings)) return code;
+    return Report(ExitCode::kNotWritten,
+                  (std::string("the output could not be written: ") + std::strerror(error)).c_str());
+}
+
+int Run(CLI::App& app, int argc, char** argv) {
+    try {
+        app.parse(argc, argv);
+        return ToInt(ExitCode::kFine);
+    } catch (const CLI::ParseError& error) {
+        return Answer(app, error);
+    } catch (const assembly::tool::Failure& failure) {
+        return Report(failure.Code(), failure.what());
+    } catch (const std::exception& error) {
+        return Report(ExitCode::kDefect, error.what());
+    }
 }
 
 }  // namespace
@@ -64,14 +87,5 @@ int main(int argc, char** argv) {
     app.formatter(help);
     for (CLI::App* verb : app.get_subcommands({}))
         if (!verb->get_subcommands({}).empty()) verb->formatter(help);
-    try {
-        app.parse(argc, argv);
-        return ToInt(ExitCode::kFine);
-    } catch (const CLI::ParseError& error) {
-        return Answer(app, error);
-    } catch (const assembly::tool::Failure& failure) {
-        return Report(failure.Code(), failure.what());
-    } catch (const std::exception& error) {
-        return Report(ExitCode::kDefect, error.what());
-    }
+    return WithOutput(Run(app, argc, argv));
 }

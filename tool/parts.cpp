@@ -93,8 +93,9 @@ void AddLayout(CLI::App& verb, Options& options) {
     verb.add_option("--group-by", parts.groupBy, "Make lines that agree in these fields one")
         ->delimiter(',')
         ->allow_extra_args(false);
-    verb.add_option("--sort-field", parts.sortField, "Order lines, or the components of each assembly");
-    verb.add_flag("--descending", parts.descending, "The other way round");
+    CLI::Option* const sort =
+        verb.add_option("--sort-field", parts.sortField, "Order lines, or the components of each assembly");
+    verb.add_flag("--descending", parts.descending, "The other way round")->needs(sort);
     AddChoice(verb, "--format", kFormats, options.format, "table, csv, json or md (table)");
 }
 

@@ -19,6 +19,7 @@ public:
 
     /// Fails with kLimit if a sum outgrows 64 bits.
     void Add(PartsLine line);
+    std::size_t Count() const { return groups_.size(); }
     /// The lines in the order of their first members.
     std::vector<PartsLine> Take();
 

@@ -95,19 +95,26 @@ void SortSiblings(PartsTable& table, const Columns& columns, const Structure& st
     });
 }
 
+void ExpectWithinLimit(std::size_t lines, const PartsOptions& options) {
+    if (lines <= options.mostKeptLines) return;
+    throw Failure(ExitCode::kLimit, "the list has more than " + std::to_string(options.mostKeptLines) +
+                                        " lines to sort or group; choose --level or another --structure");
+}
+
 /// All lines, grouped and sorted.
 std::vector<PartsLine> Collect(PartsTable& table, const Columns& columns, const Structure& structure,
-                               bool descending) {
+                               const PartsOptions& options) {
     std::vector<PartsLine> lines;
     LineGroups groups(columns.all, columns.groupBy);
     table.Run([&](const PartsRow& row) {
         ThrowIfCancelled();
         PartsLine line = LineOf(columns.all, row, structure);
         columns.groupBy.empty() ? lines.push_back(std::move(line)) : groups.Add(std::move(line));
+        ExpectWithinLimit(lines.size() + groups.Count(), options);
         return true;
     });
     if (!columns.groupBy.empty()) lines = groups.Take();
-    if (columns.sort) SortLines(lines, *columns.sort, descending);
+    if (columns.sort) SortLines(lines, *columns.sort, options.descending);
     return lines;
 }
 
@@ -137,7 +144,7 @@ void WritePartsList(Output& output, const Structure& structure, const PartsOptio
     const auto writer = MakeWriter(output, columns.Shown(), options.structure, format);
     if (isMulti && columns.sort) SortSiblings(table, columns, structure, options.descending);
     if (!isMulti && (columns.sort || !columns.groupBy.empty())) {
-        const std::vector<PartsLine> lines = Collect(table, columns, structure, options.descending);
+        const std::vector<PartsLine> lines = Collect(table, columns, structure, options);
         Write(output, *writer, [&](auto&& visit) {
             for (const PartsLine& line : lines)
                 if (!visit(line)) return;

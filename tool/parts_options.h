@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -18,6 +19,8 @@ enum class PartsStructure {
 enum class PartsFormat { kTable, kCsv, kJson, kMarkdown };
 
 struct PartsOptions {
+    /// That a list sorts or groups at most; each is kept, with its texts.
+    static constexpr std::size_t kMostKeptLines = 5'000'000;
     static constexpr std::uint32_t kAllLevels = std::numeric_limits<std::uint32_t>::max() - 1;
 
     PartsStructure structure = PartsStructure::kMulti;
@@ -27,6 +30,7 @@ struct PartsOptions {
     std::vector<std::string> groupBy;  ///< rows that agree in these fields become one
     std::string sortField;             ///< empty: the order of the assembly
     bool descending = false;
+    std::size_t mostKeptLines = kMostKeptLines;
 };
 
 }  // namespace assembly::tool

@@ -8,6 +8,7 @@
 
 #include <unistd.h>
 #include <wchar.h>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +23,17 @@ constexpr unsigned char kLeadOfHighControls = 0xc2;
 
 bool IsHighControl(char second) {
     return static_cast<unsigned char>(second) < 0xa0;
+}
+
+int writeError = 0;
+
+/// False if that failed; notes why, unless the reader is just gone.
+bool PutOut(std::string_view bytes) {
+    errno = 0;
+    const bool isOut =
+        std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0;
+    if (!isOut && errno != EPIPE) writeError = errno != 0 ? errno : EIO;
+    return isOut;
 }
 
 bool WantsColour() {
@@ -52,14 +64,16 @@ void Output::Line(std::string_view text) {
 }
 
 void Output::Flush() {
-    if (open_ && !buffer_.empty() && std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size())
-        open_ = false;
-    if (open_ && std::fflush(stdout) != 0) open_ = false;
+    if (open_ && !buffer_.empty()) open_ = PutOut(buffer_);
     buffer_.clear();
 }
 
 std::string Output::Faint(std::string_view text) const {
     return colour_ ? "\x1b[2m" + std::string(text) + "\x1b[0m" : std::string(text);
+}
+
+int OutputError() {
+    return writeError;
 }
 
 std::string Quoted(std::string_view text) {

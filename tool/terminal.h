@@ -5,8 +5,8 @@
 
 namespace assembly::tool {
 
-/// Writes to stdout through one large buffer. A closed pipe ends the writing silently; a cancelled run ends
-/// with kCancelled when the buffer is full.
+/// Writes to stdout through one large buffer. A closed pipe ends the writing silently, any other failure ends
+/// it, too, and is kept for `OutputError`; a cancelled run ends with kCancelled when the buffer is full.
 class Output {
 public:
     Output();
@@ -17,7 +17,7 @@ public:
     void Write(std::string_view text);
     void Line(std::string_view text = {});
     void Flush();
-    /// False once the reader is gone.
+    /// False once the reader is gone or nothing more can be written.
     bool IsOpen() const { return open_; }
     /// Whether stdout is a terminal that wants colour (NO_COLOR is respected).
     bool HasColour() const { return colour_; }
@@ -29,6 +29,9 @@ private:
     bool open_ = true;
     bool colour_;
 };
+
+/// Why this process could not write all to stdout, as an `errno`; 0 if it could, or if the reader had enough.
+int OutputError();
 
 /// The text as a JSON string with its quotes.
 std::string Quoted(std::string_view text);

@@ -134,6 +134,13 @@ TEST_F(BomTool, NamesTheStructuresThatThereAre) {
     }
 }
 
+TEST_F(BomTool, NamesNoStructureWithRawControlCharacters) {
+    ASSERT_EQ(RunTool({"bom", "create", "a\033[31mb", file_, "--in-place"}).exitCode, 0);
+    const ToolRun run = RunTool({"bom", "show", "other", file_});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_FALSE(Contains(run.err, "\033")) << run.err;
+}
+
 TEST_F(BomTool, WantsToKnowWhereToWrite) {
     for (const char* verb : {"activate", "create"}) {
         const ToolRun run = RunTool({"bom", verb, "x", file_});

@@ -141,6 +141,7 @@ TEST(Run, TellsWhatIsWrongWithACallAndWhatWasExpected) {
           "spatial_index_file=", "output_visual_context_query_file=q", "-o", "b.qn"},
          "no scene"},
         {{"run", "validate_scene_hierarchy", kLantern, "--seed", "0"}, "--seed"},
+        {{"run", "validate_scene_hierarchy", kLantern, "--seed", "-1"}, "--seed"},
         {{"run", "99", kLantern}, "no operation \"99\""},
     };
     for (const auto& [words, told] : kCalls) {

@@ -1,4 +1,6 @@
 #include "tests/tool/parts_support.h"
+#include "tool/failure.h"
+#include "tool/parts_list.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -151,6 +153,25 @@ TEST(PartsTable, CountsMoreOccurrencesThanAnyWalkCouldVisit) {
     EXPECT_THAT(PartsOf(made.structure, Laid(PartsStructure::kFlat)),
                 ElementsAre(Part{0, "part", std::uint64_t{1} << 60, std::uint64_t{1} << 60}));
     EXPECT_EQ(PartsOf(made.structure, Laid(PartsStructure::kMulti)).size(), 61u);
+}
+
+TEST(PartsList, RefusesToSortOrGroupMoreLinesThanTheLimit) {
+    const MadeStructure car(Car());
+    tool::Output output;
+    for (const bool grouped : {false, true}) {
+        PartsOptions options = Laid(PartsStructure::kOccurrences);
+        if (grouped)
+            options.groupBy = {"name"};
+        else
+            options.sortField = "name";
+        options.mostKeptLines = 3;
+        try {
+            tool::WritePartsList(output, car.structure, options, tool::PartsFormat::kJson);
+            ADD_FAILURE() << "grouped: " << grouped;
+        } catch (const tool::Failure& failure) {
+            EXPECT_EQ(failure.Code(), tool::ExitCode::kLimit);
+        }
+    }
 }
 
 }  // namespace

@@ -151,7 +151,7 @@ TEST(Parts, GroupsLinesThatAgree) {
 TEST(Parts, RefusesWhatCannotBe) {
     const std::vector<std::vector<std::string>> kCalls = {
         {"--group-by", "name"}, {"--level", "0"},          {"--as-of", "yesterday"}, {"--as-of", ""},
-        {"--line", "many"},     {"--fields", "name,name"}, {"--structure", "round"}};
+        {"--line", "many"},     {"--fields", "name,name"}, {"--structure", "round"}, {"--descending"}};
     for (const auto& call : kCalls) {
         std::vector<std::string> arguments{"parts", kLantern};
         arguments.insert(arguments.end(), call.begin(), call.end());

@@ -109,6 +109,23 @@ TEST(Usage, AnOutputThatCannotBeWrittenIsFourAndLeavesNothing) {
     EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }
 
+TEST(Usage, AnswersFourWhereStdoutCannotTakeAll) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no device that is full";
+    for (const char* verb : {"show", "stats", "parts", "limits"}) {
+        std::vector<std::string> words{"-c", "exec \"$@\" > /dev/full", "sh", ASSEMBLY_TOOL, verb};
+        if (verb != std::string("limits")) words.push_back(kLantern);
+        const ToolRun run = RunProgram("sh", words);
+        EXPECT_EQ(run.exitCode, 4) << verb;
+        EXPECT_TRUE(Contains(run.err, "the output could not be written")) << verb << run.err;
+    }
+}
+
+TEST(Usage, AReaderThatHasEnoughIsNoFailure) {
+    const ToolRun run = RunProgram("sh", {"-c", "{ \"$@\"; echo $? >&2; } | true", "sh", ASSEMBLY_TOOL,
+                                          "show", "--format", "json", kLantern});
+    EXPECT_EQ(run.err, "0\n");
+}
+
 TEST(Usage, AFailedConversionLeavesTheOldOutput) {
     const TemporaryFolder folder;
     WriteAll(folder.File("out.qn"), "old");
