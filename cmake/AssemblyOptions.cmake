@@ -74,3 +74,11 @@ endif()
 # Read by programs under a sanitizer, without effect elsewhere.
 set(ASSEMBLY_LSAN_OPTIONS
     "suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
+
+# For folders whose code waits for others: their headers are large, and optimising what the sanitizers make of
+# them is half of that build's time.
+macro(assembly_builds_fast_under_sanitizers)
+    if(ASSEMBLY_SANITIZE)
+        add_compile_options(-O0)
+    endif()
+endmacro()
