@@ -75,7 +75,7 @@ Var FileMetadata(const Model& model) {
     Var metadata;
     Var& file = metadata.At(kFileGroup);
     file.At(kFileContainer) = Var(true);
-    file.At(kUpAxis) = Var(L"Y");
+    file.At(kFileUpAxis) = Var(kFileUpAxisY);
     Var& group = metadata.At(kMetadataGroup);
     group.At(MetadataKey::kAsset) = model.asset;
     if (!model.extensionsUsed.empty()) group.At(MetadataKey::kExtensionsUsed) = Texts(model.extensionsUsed);

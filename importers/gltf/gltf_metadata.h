@@ -21,9 +21,6 @@ inline constexpr const wchar_t* kName = L"Name";
 inline constexpr const wchar_t* kRoots = L"Roots";  ///< array of places among the children of the root
 }  // namespace MetadataKey
 
-/// Which axis points up: key of the host's file group, on the root.
-inline constexpr const wchar_t* kUpAxis = L"UpAxis";
-
 /// Text of the host.
 inline String ToText(const Model& model, Text text) {
     return text.length ? String::FromUtf8(model.TextOf(text)) : String();
