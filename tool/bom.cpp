@@ -1,4 +1,5 @@
 #include "frame/host/api.h"
+#include "graph/node_content.h"
 #include "tool/bom_table.h"
 #include "tool/failure.h"
 #include "tool/generate.h"
@@ -144,8 +145,7 @@ void ForgetUnstoredIds(const Bom& bom) {
     const qn::Var nodes = bom.GetNodes();
     for (int i = 0; i < nodes.size(); ++i) {
         const auto* node = qn::Cast<qn::k3::Node>(nodes.ValueAt(i).ToInterface());
-        auto* instance =
-            node ? qn::Cast<qn::graph::Instance>(node->GetParamObject(qn::Param::kInstance)) : nullptr;
+        auto* instance = node ? qn::graph::CarriedInstance(*node) : nullptr;
         if (instance && !instance->GetParentReference())
             instance->SetProperty(qn::graph::Prop::kLocalId, qn::Var());
     }

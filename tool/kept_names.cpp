@@ -2,10 +2,8 @@
 
 #include "engine/import/moved_name.h"
 #include "engine/scene/named_targets.h"
-#include "frame/host/generator.h"
-#include "frame/host/parameter_ids.h"
 #include "frame/host/property_ids.h"
-#include "graph/instance.h"
+#include "graph/node_content.h"
 #include "services/top_level_nodes.h"
 #include "tool/failure.h"
 #include "tool/terminal.h"
@@ -35,10 +33,8 @@ struct Roots {
     }
     static bool AddOf(Node* node, qn::ParamWord roots) {
         auto& all = *reinterpret_cast<Roots*>(roots);
-        const qn::k3::Generator* const generator = qn::k3::Generator::Get(node);
-        if (generator) all.Add(qn::Cast<Reference>(generator->GetGeneratedRoot()));
-        const auto* instance = qn::Cast<qn::graph::Instance>(node->GetParamObject(qn::Param::kInstance));
-        if (instance) all.Add(instance->GetReference());
+        all.Add(qn::graph::GeneratedReference(*node));
+        if (const auto* instance = qn::graph::CarriedInstance(*node)) all.Add(instance->GetReference());
         return true;
     }
 

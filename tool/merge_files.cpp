@@ -10,6 +10,7 @@
 #include "frame/host/parameter_ids.h"
 #include "frame/host/scene.h"
 #include "graph/lookup_table.h"
+#include "graph/node_content.h"
 #include "tool/failure.h"
 
 #include <optional>
@@ -23,14 +24,10 @@ namespace {
 using qn::Counted;
 using qn::String;
 using qn::Var;
+using qn::graph::GeneratedReference;
 using qn::graph::Instance;
 using qn::graph::Reference;
 namespace Prop = qn::graph::Prop;
-
-Reference* RootOf(const qn::k3::Node& node) {
-    const qn::k3::Generator* generator = qn::k3::Generator::Get(&node);
-    return generator ? qn::Cast<Reference>(generator->GetGeneratedRoot()) : nullptr;
-}
 
 Counted<Instance> LastInstance(const Reference& reference) {
     return reference.GetInstance(reference.GetInstanceCount() - 1);
@@ -44,7 +41,7 @@ int CountViews(const qn::k3::Scene& scene) {
 /// Gives a file's top node what tells its hierarchy: the instance of the root and, where views or stored
 /// nodes ask for nodes, the table that ties these to their instances.
 void BindTop(qn::k3::Node& top, int viewsBefore, qn::Context& context) {
-    Reference* root = RootOf(top);
+    Reference* root = GeneratedReference(top);
     if (!root) return;
     const bool hasViews = top.GetScene() && CountViews(*top.GetScene()) > viewsBefore;
     if (!top.GetFirstChild() && hasViews) {
@@ -66,7 +63,7 @@ public:
     Binding(qn::k3::Scene& scene, qn::Context& context) : context_(static_cast<qn::ContextImpl&>(context)) {
         const int before = CountViews(scene);
         context_.SetImportFunction([this, before](qn::k3::Node& top) {
-            if (const Reference* root = RootOf(top)) target_ = root->GetTarget();
+            if (const Reference* root = GeneratedReference(top)) target_ = root->GetTarget();
             BindTop(top, before, context_);
         });
     }
@@ -101,7 +98,7 @@ public:
 
     void Run() {
         for (qn::k3::Node* node = scene_.GetFirstChild(); node; node = node->GetNextSibling())
-            if (Reference* root = RootOf(*node)) Note(*root, 0);
+            if (Reference* root = GeneratedReference(*node)) Note(*root, 0);
         for (std::size_t at = 0; at < pending_.size(); ++at) {
             const Pending next = pending_[at];
             if (const auto file = FileOf(next)) Merge(*next.definition, *file);
@@ -200,7 +197,7 @@ std::vector<KeptName> MergeNamedFiles(Session& session, qn::k3::Scene& scene, co
                                       const FollowRequest& follow) {
     if (files.CountRead() == 0) return KeptNamesOf(scene, files.files.front().shown);
     for (qn::k3::Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling())
-        if (!qn::hack::IsModelViewOrStepViewCameraNode(node) && !RootOf(*node))
+        if (!qn::hack::IsModelViewOrStepViewCameraNode(node) && !GeneratedReference(*node))
             throw Failure(ExitCode::kUsage, files.files.front().shown +
                                                 ": has nodes without definitions, into which --load brings "
                                                 "nothing");

@@ -1,8 +1,8 @@
 #include "engine/scene/named_targets.h"
 
-#include "frame/host/generator.h"
 #include "frame/host/node.h"
 #include "graph/instance.h"
+#include "graph/node_content.h"
 
 #include <unordered_set>
 
@@ -33,8 +33,7 @@ std::vector<Counted<Reference>> DefinitionsBelow(std::vector<Counted<Reference>>
 }
 
 NamedTargetsAside::NamedTargetsAside(const Node& node) {
-    const Generator* generator = Generator::Get(&node);
-    auto* root = generator ? Cast<Reference>(generator->GetGeneratedRoot()) : nullptr;
+    Reference* root = graph::GeneratedReference(node);
     if (!root) return;
     for (const Counted<Reference>& definition : DefinitionsBelow(*root)) {
         Var target = definition->GetTarget();
