@@ -145,7 +145,7 @@ TEST_P(StepRoad, SharesADefinitionAfterTheLoadAsBefore) {
     EXPECT_TRUE(SaveSceneToBytes(*loaded, *context_) == bytes) << "the bytes differ";
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, StepRoad, testing::ValuesIn(DataFiles({".stp", ".step"})),
+INSTANTIATE_TEST_SUITE_P(Files, StepRoad, testing::ValuesIn(QuickDataFiles({".stp", ".step"})),
                          [](const auto& info) { return TestNameOf(info.param); });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(StepRoad);
 
