@@ -40,8 +40,9 @@ Verdict Validate(const std::vector<std::string>& files, std::vector<std::string>
     return run.exitCode == kNoErrors ? Verdict::kValid : Verdict::kInvalid;
 }
 
-#define EXPECT_VALID_GLTF(...)                       \
-    if (Validate(__VA_ARGS__) == Verdict::kNotAsked) \
+/// The files are made only if there is a validator.
+#define EXPECT_VALID_GLTF(...)                                                             \
+    if (Validate({}) == Verdict::kNotAsked || Validate(__VA_ARGS__) == Verdict::kNotAsked) \
     GTEST_SKIP() << "Node.js or its package gltf-validator is not there (see CONTRIBUTING.md)"
 
 std::string Convert(const std::string& from, const std::string& to,
