@@ -1,6 +1,6 @@
 // Loading a glTF file into a scene with its hierarchy, beside what another reader of the format needs for the
-// parse alone. Each load is a process of its own, so that its peak memory is its own; filter for "Gltf" to
-// keep what other benchmarks leave in this process out of it.
+// parse alone. Each load is a process of its own, so that its peak memory is its own; filter for
+// "(Load|Parse)Gltf", as memory that other benchmarks freed in this process would be used again for nothing.
 
 #include "bench/importers/gltf_shapes.h"
 #include "bench/support/shapes.h"
