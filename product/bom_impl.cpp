@@ -32,17 +32,14 @@ void AnnounceChange(Scene& scene) {
     scene.Notify(kBomEvent, Var(0));
 }
 
-/// Whether a top-level node belongs to the structure which the scene shows: all but those that stop
-/// instancing do, and the cameras of model and step views.
-bool BelongsToStructure(Node* node) {
-    return !(node->GetFlags() & NodeFlag::kStopsInstancing) || hack::IsModelViewOrStepViewCameraNode(node);
-}
-
-/// The node as an owned entry of the list. Entries that are right already are left alone, for a switch back
-/// mostly finds the same nodes.
-void SetEntry(VarArray& nodes, int index, Node* node) {
-    const Var& entry = nodes.Get(index);
-    if (entry.IsWeak() || entry.ToInterface() != node) nodes.Set(index, Var(node));
+/// The top-level nodes that belong to the structure which the scene shows: all but those that stop
+/// instancing, though the cameras of model and step views count.
+std::vector<Node*> TopLevelNodesOf(Scene& scene) {
+    std::vector<Node*> nodes;
+    for (Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling())
+        if (!(node->GetFlags() & NodeFlag::kStopsInstancing) || hack::IsModelViewOrStepViewCameraNode(node))
+            nodes.push_back(node);
+    return nodes;
 }
 
 /// Tells the host which node is worked on, unless that stops instancing.
@@ -121,10 +118,9 @@ Var BomImpl::GetNodes() const {
 
 ResultEnum BomImpl::Snapshot(Scene& scene, bool withViewports) {
     if (!nodes_) nodes_ = VarArray::Create();  // a damaged file may have left it out
-    int count = 0;
-    for (Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling())
-        if (BelongsToStructure(node)) SetEntry(*nodes_, count++, node);
-    nodes_->RemoveAt(count, nodes_->GetCount() - count);
+    nodes_->Clear();
+    for (Node* node : TopLevelNodesOf(scene))
+        nodes_->Add(Var(node));
     layers_ = Counted<InterfaceArray>(scene.GetLayers());
     if (withViewports) ClaimViewports(scene);
     CarryParameters(scene);
@@ -142,10 +138,7 @@ void BomImpl::ClaimViewports(Scene& scene) {
 }
 
 ResultEnum BomImpl::ClearScene(Scene& scene) {
-    std::vector<Node*> nodes;
-    for (Node* node = scene.GetFirstChild(); node; node = node->GetNextSibling())
-        if (BelongsToStructure(node)) nodes.push_back(node);
-    for (Node* node : nodes)
+    for (Node* node : TopLevelNodesOf(scene))
         scene._RemoveChild(node, true);
     CarryParameters(scene);
     return ResultEnum::kSuccess;
@@ -176,9 +169,7 @@ void BomImpl::CarryParameters(Scene& scene) {
 }
 
 void BomImpl::LeaveScene(Scene& scene) {
-    for (int i = 0; i < nodes_->GetCount(); ++i) {
-        const Counted<Node> node(NodeAt(i));
-        if (!node) continue;
+    for (const Counted<Node>& node : Nodes()) {
         node->AttachTo(rootNode_.Get());
         node->Visit(kVisitFlags, &__RemoveFromGlobalList, reinterpret_cast<ParamWord>(&scene));
     }
@@ -186,16 +177,17 @@ void BomImpl::LeaveScene(Scene& scene) {
 
 void BomImpl::EnterScene(Scene& scene) {
     const bool argument = false;
-    for (int i = 0; i < nodes_->GetCount(); ++i) {
-        const Counted<Node> node(NodeAt(i));
-        if (!node) continue;
+    for (const Counted<Node>& node : Nodes()) {
         node->AttachTo(&scene);
         node->Visit(kVisitFlags, &__AddToGlobalList, reinterpret_cast<ParamWord>(&argument));
     }
 }
 
-Node* BomImpl::NodeAt(int index) const {
-    return Cast<Node>(nodes_->Get(index).ToInterface());
+std::vector<Counted<Node>> BomImpl::Nodes() const {
+    std::vector<Counted<Node>> nodes;
+    for (int i = 0; i < nodes_->GetCount(); ++i)
+        if (auto* node = Cast<Node>(nodes_->Get(i).ToInterface())) nodes.emplace_back(node);
+    return nodes;
 }
 
 ResultEnum BomImpl::CopyFrom(const Interface* source, unsigned flags) {

@@ -3,6 +3,8 @@
 #include "graph/node_list_owner.h"
 #include "product/bom.h"
 
+#include <vector>
+
 namespace qn::k3 {
 
 class Scene;
@@ -42,9 +44,8 @@ private:
     void ClaimViewports(Scene& scene);
     void LeaveScene(Scene& scene);
     void EnterScene(Scene& scene);
-    /// The listed node, borrowed; null if the list, which a file may have brought, holds something else
-    /// there.
-    Node* NodeAt(int index) const;
+    /// The nodes, so that the list may change meanwhile.
+    std::vector<Counted<Node>> Nodes() const;
 
     Counted<Node> rootNode_;
     Counted<InterfaceArray> layers_;

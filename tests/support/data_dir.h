@@ -17,10 +17,8 @@ inline constexpr const char* kNoData = "the folder of real files is not there (A
 
 /// All files below the folder with one of these endings (as ".stp"), sorted.
 std::vector<std::filesystem::path> DataFiles(const std::vector<std::string>& endings);
-/// Whether a file is up to a megabyte large, which counts under sanitizers alone: roads over the larger ones
-/// take minutes there and go the same ways. True for a file that is not there.
-bool IsQuick(const std::filesystem::path& file);
-/// `DataFiles` that are quick.
+/// The same; under sanitizers those of up to a megabyte alone. For roads that take minutes there for the
+/// larger ones, which go the same ways.
 std::vector<std::filesystem::path> QuickDataFiles(const std::vector<std::string>& endings);
 
 /// What an independent reader found in the file of that name; null if there is nothing.

@@ -1,6 +1,5 @@
 // Every STEP file of the data folder through the tool, against what an independent reader found in its text.
 
-#include "tests/support/data_dir.h"
 #include "tests/tool/shown_paths.h"
 #include "tests/tool/tool_process.h"
 
@@ -10,10 +9,8 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
-#include <iterator>
 #include <map>
 #include <ostream>
-#include <vector>
 
 namespace assembly::tests {
 namespace {
@@ -174,15 +171,7 @@ TEST_P(StepFiles, KeepTheirTreeWithGeometryAndNodes) {
     EXPECT_EQ(RunTool({"show", expanded}).out, shown);
 }
 
-std::vector<StepFile> QuickFiles() {
-    std::vector<StepFile> files(std::begin(kFiles), std::end(kFiles));
-    std::erase_if(files, [](const StepFile& file) {
-        return !qn::test::IsQuick(DataFolder() / file.folder / file.name);
-    });
-    return files;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, StepFiles, testing::ValuesIn(QuickFiles()), [](const auto& info) {
+INSTANTIATE_TEST_SUITE_P(All, StepFiles, testing::ValuesIn(kFiles), [](const auto& info) {
     std::string name = info.param.expected ? info.param.expected : info.param.name;
     std::replace_if(
         name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
